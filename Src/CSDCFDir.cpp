@@ -1,0 +1,218 @@
+// One folder under "DCIM"; see the header.
+#include "CSDCFDir.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "BoundedText.h"
+#include "DcfRules.h"
+#include "PCSDCFFSIO.h"
+
+#define KELP_UNIT "CSDCFDir"
+#include "Diagnostics.h"
+
+namespace {
+
+DCFItem MakeItem(int dnum, int fnum, const char* name, unsigned int time) {
+    DCFItem item;
+    item.setFileNum(fnum);
+    item.setFileTime(time);
+    item.setDirNum(static_cast<short>(dnum));
+    item.setFileName(name); // judges the length by the directory number, which therefore comes first
+    return item;
+}
+
+bool IsCompanionType(int type) {
+    return type == FILE_TYPE_SRW || type == FILE_TYPE_MPO;
+}
+
+} // namespace
+
+CSDCFDir::CSDCFDir(int dnum, const char* name) : m_nDnum(static_cast<std::int16_t>(dnum)), m_bDescending(true) {
+    SetDirName(name);
+}
+
+CSDCFDir::~CSDCFDir() = default;
+
+void CSDCFDir::SetDirName(const char* pDirName) {
+    KELP_ASSERT_AS(pDirName != nullptr, "pDirName != NULL", "pDirName != NULL", "cannot be null");
+    KELP_ASSERT(strlen(pDirName) < KELP_DCF_MAX_FILE_NAME_LEN, "too long dir name = d");
+    kelp::CopyText(m_strDirName, pDirName);
+}
+
+// The scan.
+
+int CSDCFDir::Listup(char* root, int dnum, int base) {
+    char path[KELP_DCF_MAX_FILE_NAME_LEN];
+    kelp::Compose(path, sizeof path, "%s/%s/%s", root, kelp::kDcimName, m_strDirName);
+    PCSDCFFSIO listing(path, false);
+
+    const bool camera = kelp::StartsWith(m_strDirName, kelp::kCameraName);
+    int count = 0;
+    int previous = 0;
+    PCSDCFFSIO::PTFile file;
+    while (listing.Read(&file) >= 0) {
+        const int type = camera ? CheckFileNameSyntaxNonDCF(file.szName) : CheckFileNameSyntax(file.szName);
+        const int number =
+            camera ? kelp::ReadNumber<kelp::kCameraFileNumberLength>(file.szName + kelp::kCameraFileNumberOffset)
+                   : kelp::ReadNumber<kelp::kFileNumberLength>(file.szName + kelp::kFileNumberOffset);
+        if (type < 0) {
+            continue;
+        }
+        if (number != previous) {
+            AddFile(dnum, number, file.szName, &count, file.nTime);
+            previous = number;
+        } else if (IsCompanionType(type) && !m_itemGroup.empty()) {
+            AddObject(static_cast<eFileType>(type));
+        } else {
+            // Deliberate: the first file of a number is the item, a further one that is no companion stays unlisted. A
+            // number 0 that comes first equals the start value and is dropped too.
+            continue;
+        }
+        if (base + count > kelp::kMaxTotalFiles) {
+            break; // Deliberate: the file that crosses the limit stays listed.
+        }
+    }
+    return count;
+}
+
+int CSDCFDir::CheckFileNameSyntax(char* name) {
+    if (name == nullptr || strnlen(name, kelp::kFileNameLength + 1) != kelp::kFileNameLength) {
+        return FILE_TYPE_NONE;
+    }
+    MakeUpperCase(name, true);
+    // Deliberate: the four characters before the number and the one behind it are free, as cards in the field need it.
+    if (!kelp::AreDigits(name + kelp::kFileNumberOffset, kelp::kFileNumberLength)) {
+        return FILE_TYPE_NONE;
+    }
+    return kelp::TypeOfExtension(name + kelp::kExtensionOffset);
+}
+
+int CSDCFDir::CheckFileNameSyntaxNonDCF(char* name) {
+    if (name == nullptr) {
+        return FILE_TYPE_NONE;
+    }
+    const std::size_t length = std::strlen(name);
+    if (length < kelp::kMinCameraFileName || length > kelp::kMaxCameraFileName) {
+        return FILE_TYPE_NONE;
+    }
+    MakeUpperCase(name, false);
+    const eFileType type = kelp::TypeOfExtension(name + length - kelp::kExtensionLength);
+    const bool movie = type == FILE_TYPE_MP4 || type == FILE_TYPE_AVI;
+    return movie ? FILE_TYPE_NONE : type;
+}
+
+int CSDCFDir::MakeUpperCase(char* str, bool limit) {
+    const std::size_t length = std::strlen(str);
+    if (limit && length > kelp::kFileNameLength) {
+        return static_cast<int>(length);
+    }
+    // By hand: the locale must not decide which names a card has.
+    std::transform(str, str + length, str,
+                   [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c; });
+    return static_cast<int>(length);
+}
+
+void CSDCFDir::AddFile(int dnum, int fnum, char* name, int* pCount, unsigned int time) {
+    KELP_ASSERT_AS(pCount != nullptr, "pCount != NULL", "pCount != NULL", "check!!");
+    ++*pCount;
+    const DCFItem item = MakeItem(dnum, fnum, name, time);
+    m_bDescending = m_itemGroup.empty() || (m_bDescending && fnum < m_itemGroup.back().m_nFileNum);
+    m_itemGroup.push_back(item);
+}
+
+void CSDCFDir::AddObject(eFileType type) {
+    m_itemGroup.back().setObjectType(type);
+}
+
+// Counts.
+
+int CSDCFDir::GetCount() {
+    return static_cast<int>(m_itemGroup.size());
+}
+
+int CSDCFDir::GetCountByType(eFileType type) {
+    return static_cast<int>(std::count_if(m_itemGroup.begin(), m_itemGroup.end(), [type](const DCFItem& item) {
+        return item.m_eFileType == type || item.m_eObjectType == type;
+    }));
+}
+
+short CSDCFDir::GetDnum() {
+    return m_nDnum;
+}
+
+// Items by position.
+
+int CSDCFDir::GetFidx(int fnum) {
+    auto it = m_itemGroup.end();
+    if (m_bDescending) {
+        it = std::lower_bound(m_itemGroup.begin(), m_itemGroup.end(), fnum,
+                              [](const DCFItem& item, int number) { return item.m_nFileNum > number; });
+        if (it != m_itemGroup.end() && it->m_nFileNum != fnum) {
+            it = m_itemGroup.end();
+        }
+    } else {
+        it = std::find_if(m_itemGroup.begin(), m_itemGroup.end(),
+                          [fnum](const DCFItem& item) { return item.m_nFileNum == fnum; });
+    }
+    KELP_ASSERT(it != m_itemGroup.end(), "cannot found fnum = %d", fnum);
+    return static_cast<int>(it - m_itemGroup.begin());
+}
+
+DCFItem CSDCFDir::GetItem(int nIndex) {
+    const auto index = static_cast<unsigned int>(nIndex); // a negative position lies beyond the folder too
+    KELP_ASSERT(m_itemGroup.size() > index, "vector index overflow = %d", nIndex);
+    return m_itemGroup[index];
+}
+
+DCFItem CSDCFDir::GetFirstItem() {
+    return m_itemGroup.front();
+}
+
+DCFItem CSDCFDir::GetLastItem() {
+    return m_itemGroup.back();
+}
+
+void CSDCFDir::SetProtect(int index, bool on) {
+    m_itemGroup[static_cast<std::size_t>(index)].setProtect(on);
+}
+
+void CSDCFDir::SetWifi(int index, bool on) {
+    m_itemGroup[static_cast<std::size_t>(index)].setWifi(on);
+}
+
+void CSDCFDir::AddHead(int dnum, int fnum, char* name, unsigned int time) {
+    const DCFItem item = MakeItem(dnum, fnum, name, time);
+    m_bDescending = m_itemGroup.empty() || (m_bDescending && fnum > m_itemGroup.front().m_nFileNum);
+    m_itemGroup.push_front(item);
+}
+
+void CSDCFDir::AddHeadObject(eFileType type) {
+    m_itemGroup.front().setObjectType(type);
+}
+
+void CSDCFDir::RemoveItem(int index) {
+    m_itemGroup.erase(m_itemGroup.begin() + index);
+}
+
+void CSDCFDir::RemoveItems(const std::vector<int>& indices) {
+    std::for_each(indices.rbegin(), indices.rend(), [this](int index) { RemoveItem(index); });
+}
+
+void CSDCFDir::RemoveAllItems() {
+    auto kept = m_itemGroup.begin();
+    for (DCFItem& item : m_itemGroup) {
+        if (item.getProtect()) {
+            *kept++ = item;
+        }
+    }
+    m_itemGroup.erase(kept, m_itemGroup.end());
+}
+
+void CSDCFDir::setPhotoData(int index, const PhotoInfo& info) {
+    m_itemGroup.at(static_cast<std::size_t>(index)).setPhotoData(info);
+}
+
+void CSDCFDir::setVideoData(int index, const VideoInfo& info) {
+    m_itemGroup.at(static_cast<std::size_t>(index)).setVideoData(info);
+}

@@ -1,0 +1,18 @@
+// Where the time of a directory entry comes from: the one place in which a workstation and a device differ
+// (build option DCF_ENTRY_TIME). Called by PCSDCFFSIO for each listing of files.
+#ifndef ENTRY_TIMES_H
+#define ENTRY_TIMES_H
+
+#include <dirent.h>
+
+#include <cstdint>
+#include <vector>
+
+namespace kelp {
+
+/// The times of a listing's entries in their order; empty when they cannot be had.
+std::vector<std::uint32_t> ReadEntryTimes(const char* folder, dirent* const* entries, int count);
+
+} // namespace kelp
+
+#endif

@@ -1,0 +1,12 @@
+# The options that every target is compiled with, as one interface target: warnings, sanitizers, large files.
+add_library(dcf-compile-options INTERFACE)
+target_compile_options(dcf-compile-options INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wformat=2
+  $<$<BOOL:${DCF_WERROR}>:-Werror>)
+# A 32-bit device must see files and folders of any size.
+target_compile_definitions(dcf-compile-options INTERFACE _FILE_OFFSET_BITS=64)
+if(DCF_SANITIZE)
+  target_compile_options(dcf-compile-options INTERFACE
+    -fsanitize=${DCF_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(dcf-compile-options INTERFACE -fsanitize=${DCF_SANITIZE})
+endif()

@@ -1,0 +1,249 @@
+/// @file
+/// The interface of the file list: the pictures and movies on one memory card, laid out by the DCF rule.
+///
+/// A client calls CBIFileListManager::Create, obtains the list, calls Listup() once and then browses,
+/// selects, changes and names files through these operations.
+///
+/// Terms used below:
+/// - *list position*: 0-based position of a file in the whole list. Directories stand from the highest
+///   number down, "Camera" last; files from the highest file number down, in "Camera" by name.
+/// - *cursor*: the file that browsing stands on.
+/// - *path*: full path of a file as an item carries it: storage root, "/DCIM/", directory, "/", file name.
+/// - *fatal*: a programming error. Two lines go to the log and to standard output, then the process aborts.
+/// - *controlling thread*: the list takes no lock that would make it safe for concurrent change. All operations
+///   belong to one thread at a time, the controlling thread. The one exception is GetAvailNumOfPhoto(), which
+///   another thread may call while the controlling thread is inside Listup().
+///
+/// The order of the virtual functions is part of the binary interface.
+#ifndef IS_FILE_LIST_H
+#define IS_FILE_LIST_H
+
+#include <vector>
+
+#include "CSFileListItem.h"
+#include "FileListTypes.h"
+#include "MetadataInfo.h"
+
+/// The file list. Obtained from CBIFileListManager, which owns it. Items are the client's and are only filled.
+class KELP_API ISFileList {
+public:
+    ISFileList() = default;
+    ISFileList(const ISFileList&) = delete;
+    ISFileList& operator=(const ISFileList&) = delete;
+    virtual ~ISFileList();
+
+    /// Switches series numbering, in which new file numbers continue from card to card, and recomputes the
+    /// first index (the number index of the newest file).
+    /// @return the first index; -1 before Listup(), and the mode is then not stored.
+    virtual int SetSeriesMode(bool on) = 0;
+
+    /// @return whether series numbering is on.
+    virtual bool GetSeriesMode() = 0;
+
+    /// Lists the card and places the cursor on the first file. A missing "DCIM" is made. A card that cannot be
+    /// read gives an empty list.
+    /// @return the number of files, 0 or more.
+    /// Fatal when the card is listed already: "Now m_pDCF is not NULL".
+    virtual int Listup() = 0;
+
+    /// Chooses whether the next Listup() also lists the "Camera" folder, whose names are not DCF names.
+    /// On from the start.
+    virtual void IncludeNonDCF(bool on) = 0;
+
+    /// Deletes one file and its companion file, and its directory when nothing is left in it; empties the
+    /// selection.
+    /// @param item a filled item; its m_strURI and m_bProtect are used.
+    /// @return 0; -1 when the item is protected, and nothing changes. A file that cannot be removed from the card
+    ///         is taken out of the list all the same.
+    /// Fatal for a null item ("now pItem == NULL(%d) !!!"), without a list ("now m_pDCF is NULL") and for a path
+    /// that the list does not hold.
+    virtual int Delete(CSFileListItem* item) = 0;
+
+    /// Deletes the selected files but for the protected ones, moves the cursor to the position before the first
+    /// selected one and empties the selection. A directory emptied by it makes the walk pass over the directory
+    /// that follows: select within one directory at a time.
+    /// @return 0. With an empty selection it throws std::out_of_range.
+    virtual int DeleteSel() = 0;
+
+    /// Deletes all files, protected ones included, and lists the card again. Empties the selection.
+    /// @return 0.
+    virtual int DeleteAll() = 0;
+
+    /// @return the number of files in the list.
+    /// Fatal before Listup() ("now m_pDCF is NULL") and when the list changed behind the façade's back
+    /// ("m_nList need to check").
+    virtual int GetCount() = 0;
+
+    /// Fills an item for a list position. The cursor stays.
+    /// @param nIdx list position, 0 to GetCount() - 1.
+    /// @param item filled, with metadata if any is stored.
+    /// @return 0; -1 with an empty list or before Listup().
+    /// Fatal for a negative position ("index cannot be negative"), one at or beyond the count ("invalid") and a
+    /// null item.
+    virtual int GetAt(int nIdx, CSFileListItem* item) = 0;
+
+    /// @param path path of a listed file.
+    /// @return its list position; -1 when its directory is not in the list (also for null); -6 before Listup().
+    /// Fatal for a file number that the directory does not hold: "cannot found fnum = %d".
+    virtual int GetFileListIndex(char* path) = 0;
+
+    /// @return the list position of the cursor; -1 before the first file was ever reached.
+    /// Fatal before Listup(): "now m_pDCF is NULL".
+    virtual int GetCurIndex() = 0;
+
+    /// Fills an item for the file at the cursor.
+    /// @return 0; -1 with an empty list.
+    /// Fatal for a null item and when the cursor's file is gone ("GetCur must success").
+    virtual int GetCurrent(CSFileListItem* item) = 0;
+
+    /// Moves the cursor to the first file and fills the item.
+    /// @return 0; -1 with an empty list or before Listup(). Fatal for a null item.
+    virtual int GetFirst(CSFileListItem* item) = 0;
+
+    /// Moves the cursor to the next file and fills the item.
+    /// @return 0; -1 at the end of the list (the item and the cursor stay as they were), for a null item, with an
+    ///         empty list or before Listup(). Fatal when the cursor stands on file number 0 outside "Camera"
+    ///         ("invalid cursor").
+    virtual int GetNext(CSFileListItem* item) = 0;
+
+    /// Moves the cursor to the previous file and fills the item.
+    /// @return as GetNext(), with the start of the list for its end.
+    virtual int GetPrev(CSFileListItem* item) = 0;
+
+    /// Moves the cursor to the last file and fills the item.
+    /// @return 0; -1 for a null item, with an empty list or before Listup().
+    virtual int GetLast(CSFileListItem* item) = 0;
+
+    /// Compares an item's path with the last file's. Moves the cursor to the last file and leaves it there, but the
+    /// cached position (the one that a move stores) stays.
+    /// @return whether they are the same; false for a null item and before Listup().
+    virtual bool IsLast(CSFileListItem* item) = 0;
+
+    /// Chooses how new file names are made. @param mode 0: from the file prefix; else: from the local date.
+    virtual void SetFileNameMake(eFILE_NAME_MAKE mode) = 0;
+
+    /// Chooses how new folder names are made. @param mode 0: with the suffix "PHOTO"; else: from the local date.
+    virtual void SetFolderNameMake(eFILE_NAME_MAKE mode) = 0;
+
+    /// Chooses the colour mode, which replaces the file prefix: "KVR_" for 0, else "_KVR".
+    virtual void SetFileNameColor(eFileListColorMode mode) = 0;
+
+    /// Chooses the image type of new files.
+    virtual void SetImageType(eFileListImageType type) = 0;
+
+    /// Takes the next file number, makes a directory for it where one is needed, enters the file into the list and
+    /// hands out the path under which the client is to write it. The cursor moves to it.
+    /// @param out receives the path; 396 bytes.
+    /// @param type an eFileType value with an extension.
+    /// @return 0; -1 before Listup(), when the numbers are used up or the list holds more than 99,999 files, and for
+    ///         a type without an extension.
+    virtual int GetNewFileName(char* out, int type) = 0;
+
+    /// Gives the path of the first file with another extension, for a companion file, and records the companion in
+    /// the list. Moves the cursor to the first file.
+    /// @param out receives the path without a terminator; at least 99 bytes, zeroed by the caller.
+    /// @param type FILE_TYPE_SRW or FILE_TYPE_MPO; another type leaves the path as it is.
+    /// @return 0; -1 before Listup() or for null; -200 for FILE_TYPE_NONE. Fatal with an empty list.
+    virtual int GetLatestFileName(char* out, eFileType type) = 0;
+
+    /// Recomputes the first index, the number index (directory number x 100000 + file number) of the newest file.
+    /// @param ignoreSeries true: from the card alone; false: raised to the stored series value in series mode.
+    /// @return the first index; -6 before Listup().
+    virtual int UpdateFirstIndex(bool ignoreSeries) = 0;
+
+    /// @return a copy of the selection, list positions in the order in which they were selected.
+    virtual std::vector<int> GetSelectIndecies() = 0;
+
+    /// Moves the cursor to a path.
+    /// @return 0; -1 before Listup(). Fatal for null ("cannot be null!") and for a file that is not in the list.
+    virtual int SetCur(char* path) = 0;
+
+    /// Moves the cursor to a list position.
+    /// @return 0. Fatal as GetAt(), and with an empty list. -1 before Listup().
+    virtual int SetCurIndex(int nIdx) = 0;
+
+    /// @return whether a list position is selected.
+    virtual bool IsSel(int nIdx) = 0;
+
+    /// Selects or deselects a list position. Positions are not shifted when the list changes.
+    virtual void SetSel(int nIdx, bool on) = 0;
+
+    /// Empties the selection.
+    virtual void SelectCancel() = 0;
+
+    /// @return the number of selected positions.
+    virtual int GetSelCount() = 0;
+
+    /// Sets or clears the Wi-Fi transfer mark of an item's file; it lives in memory only.
+    /// @return 0. Fatal for a null item, without a list and for a path that the list does not hold.
+    virtual int SetWifiFlag(CSFileListItem* item, bool on) = 0;
+
+    /// @return the Wi-Fi mark that the item carries since it was filled; false for a null item.
+    virtual bool IsWifiFlag(CSFileListItem* item) = 0;
+
+    /// Protects or unprotects an item's file and its companion file: in the list first, then on the card.
+    /// @return 0, also when the card refuses. Fatal for a null item, without a list and for an unknown path.
+    virtual int SetProtect(CSFileListItem* item, bool on) = 0;
+
+    /// Protects or unprotects the selected files and empties the selection.
+    /// @return 0.
+    virtual int SetProtectSel(bool on) = 0;
+
+    /// Protects or unprotects every file.
+    /// @return 0.
+    virtual int SetProtectAll(bool on) = 0;
+
+    /// Flips the protection of each selected file and empties the selection.
+    /// @return 0.
+    virtual int SetProtectSelToggle() = 0;
+
+    /// Sets the prefix of new DCF file names.
+    /// @param prefix four characters for a DCF name, at most eight; copied.
+    /// @return 0; -1 for null, -2 for more than eight characters, and the old prefix stays.
+    virtual int SetFilePrefix(char* prefix) = 0;
+
+    /// Fills an item for a path. The cursor stays.
+    /// @return 0; -1 for a path of 99 or more characters (the item is filled all the same); -2 for a null path, -3 for
+    ///         a null item, -6 before Listup(), in this order. Fatal for a file that is not in the list.
+    virtual int GetInfo(char* path, CSFileListItem* item) = 0;
+
+    /// @return how many more files the numbering allows; waits for a Listup() on another thread, up to 20 seconds.
+    /// Fatal when that listing does not end by then: "listup is not done".
+    virtual int GetAvailNumOfPhoto() = 0;
+
+    /// @return the number of files of a type, companion files counted with the file that they belong to; -1 before
+    ///         Listup().
+    virtual int GetFileCount(eFileType type) = 0;
+
+    /// Sets or clears the Wi-Fi mark of every file. @param bit ignored. @return 0.
+    virtual int SetCustomBitAll(int bit, bool on) = 0;
+
+    /// Registers the photo metadata collector, shared by all lists of the process; null unregisters it.
+    ///
+    /// It is called at the first conversion of each file but MP4, with the file's path and a zeroed record, and returns
+    /// 0 when it filled the record. The item of that conversion does not carry the metadata yet, every later one does.
+    /// Any other result stores nothing, and the collector is asked again. It runs on the thread that browses, with the
+    /// list's lock held, and must not call back into the list.
+    /// @return 1.
+    virtual int RegisterPhotoMetadataCB(int (*collector)(char*, PhotoInfo*)) = 0;
+
+    /// Accepts a video metadata collector and keeps it nowhere: movies receive no metadata of their own accord.
+    /// @return 1.
+    virtual int RegisterVideoMetadataCB(int (*collector)(char*, VideoInfo*)) = 0;
+
+    /// Stores metadata for a listed file; copied.
+    /// @return 0. Fatal before Listup() ("now m_pDCF is NULL") and for a file that is not in the list.
+    virtual int AddPhotoMetadata(const char* path, PhotoInfo& info) = 0;
+
+    /// Fills an item's two paths and its time for a list position, nothing else. No metadata, no look at the card, no
+    /// move of the cursor.
+    /// @return and fatal as GetAt().
+    virtual int GetAtSimply(int nIdx, CSFileListItem* item) = 0;
+
+    /// Renumbers the directories of a full card from 100 on, the highest becoming 100, and lists it again. The
+    /// selection stays.
+    /// @return 1. Fatal before Listup().
+    virtual int RenameDCFFullStorage() = 0;
+};
+
+#endif

@@ -1,0 +1,39 @@
+/// @file
+/// The records that a client's metadata collectors fill. Plain data: the library copies the fields and
+/// gives them no meaning of its own. The caller owns every record; none is kept by reference.
+#ifndef METADATA_INFO_H
+#define METADATA_INFO_H
+
+#include <cstdint>
+
+/// What a photo collector tells about one file. Order and widths of the fields are fixed.
+struct PhotoInfo {
+    std::uint8_t attributeByte1;    ///< Reaches the client as CSFileListItem::m_nMetaFlag.
+    std::uint8_t attributeByte2;    ///< Reaches the client as CSFileListItem::m_nMetaFlag2.
+    std::uint32_t attributeWord;    ///< Reaches the client as CSFileListItem::m_nMetaWord.
+    std::uint8_t attributeFlag;     ///< Reaches the client as CSFileListItem::m_nMetaByte.
+    std::int32_t attributeWords[4]; ///< Words 2 and 3: m_nMetaQuad1, m_nMetaQuad2; words 1 and 4: m_aMeta[0], [1].
+    char date[20];                  ///< NUL-terminated text; reaches the client as m_szMetaText, bounded to 20 bytes.
+    std::int32_t trailingWords[17]; ///< Reach the client as m_aMeta[2] to [18], the eighth behind the eleventh.
+};
+
+/// What a video collector would tell about one file. Order and widths of the fields are fixed.
+/// No video collector is ever called: see ISFileList::RegisterVideoMetadataCB.
+struct VideoInfo {
+    std::int32_t imageWidth;   ///< Pixels.
+    std::int32_t imageHeight;  ///< Pixels.
+    std::int32_t hasAudio;     ///< Non-zero when there is a sound track.
+    std::int32_t fps;          ///< Frames per second.
+    std::int32_t videoBitRate; ///< As the collector gives it.
+    std::int32_t audioBitRate; ///< As the collector gives it.
+    std::int32_t multiMotion;  ///< As the collector gives it.
+    std::int32_t reserved1;    ///< The collector's own.
+    std::int32_t totalTime;    ///< As the collector gives it.
+    std::int32_t reserved2;    ///< The collector's own.
+    std::int32_t fileSize;     ///< Bytes.
+    std::int32_t reserved3;    ///< The collector's own.
+    char date[16];             ///< NUL-terminated text.
+    std::int32_t reserved4;    ///< The collector's own.
+};
+
+#endif
