@@ -45,6 +45,11 @@ int ReadNumber(const char* text) {
     return static_cast<int>(std::strtol(field, nullptr, 10));
 }
 
+/// The rest of a text from an offset on, empty where the text is shorter.
+inline const char* From(const char* text, std::size_t offset) {
+    return text + strnlen(text, offset);
+}
+
 /// Whether a text begins with another.
 inline bool StartsWith(const char* text, const char* start) {
     return std::strncmp(text, start, std::strlen(start)) == 0;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 
 #include "BoundedText.h"
 #include "DcfRules.h"
@@ -196,7 +197,21 @@ void CSDCFDir::RemoveItem(int index) {
 }
 
 void CSDCFDir::RemoveItems(const std::vector<int>& indices) {
-    std::for_each(indices.rbegin(), indices.rend(), [this](int index) { RemoveItem(index); });
+    const bool ascending = std::adjacent_find(indices.begin(), indices.end(), std::greater_equal<>()) == indices.end();
+    if (!ascending) {
+        std::for_each(indices.rbegin(), indices.rend(), [this](int index) { RemoveItem(index); });
+        return;
+    }
+    // The same in one pass, since every position means the one before any removal.
+    auto doomed = indices.begin();
+    int position = 0;
+    const auto isDoomed = [&](const DCFItem&) {
+        const bool found = doomed != indices.end() && *doomed == position;
+        doomed += found ? 1 : 0;
+        ++position;
+        return found;
+    };
+    m_itemGroup.erase(std::remove_if(m_itemGroup.begin(), m_itemGroup.end(), std::ref(isDoomed)), m_itemGroup.end());
 }
 
 void CSDCFDir::RemoveAllItems() {

@@ -3,11 +3,14 @@
 #include "CSDCFList.h"
 
 #include <pthread.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <exception>
+#include <limits>
 #include <memory>
 
 #include "BoundedText.h"
@@ -45,6 +48,9 @@ constexpr std::size_t kDirNumberOffset = 6;
 constexpr std::size_t kFileNumberInPath = 19;
 constexpr std::size_t kCameraFileNumberInPath = 22;
 
+/// A directory name is cut to this buffer when it is made: three digits, a suffix of five or six, the terminator.
+constexpr std::size_t kNewDirNameSize = 10;
+
 constexpr std::size_t kShortestFilePath = 24;
 constexpr std::size_t kDirNameMatch = 6;
 
@@ -66,11 +72,6 @@ void CopyMetadata(const PhotoInfo& photo, CSFileListItem& item) {
     for (const int trailing : kTrailingOrder) {
         *words++ = photo.trailingWords[trailing];
     }
-}
-
-/// The rest of a text from an offset on, empty where the text is shorter.
-const char* From(const char* text, std::size_t offset) {
-    return text + std::min(offset, std::strlen(text));
 }
 
 } // namespace
@@ -250,6 +251,15 @@ bool CSDCFList::HasDirectory(int didx) {
     return didx >= 0 && didx < m_nDirCount;
 }
 
+/// Where a path's file stands. Fatal for an unknown directory number or file number.
+CSDCFList::Place CSDCFList::Find(const char* path) {
+    int dnum = 0;
+    int fnum = 0;
+    GetNum(path, &dnum, &fnum);
+    const int didx = GetDirIndex(dnum);
+    return {didx, Dir(didx).GetFidx(fnum)};
+}
+
 /// Files in the directories before a position; directories that are gone count nothing.
 int CSDCFList::CountBefore(int didx) {
     int count = 0;
@@ -278,10 +288,10 @@ void CSDCFList::GetNum(const char* path, int* dnum, int* fnum) {
     const std::size_t root = std::strlen(m_szBaseURI);
     if (std::strstr(path, kelp::kCameraName) != nullptr) {
         *dnum = kelp::kCameraDirNumber;
-        *fnum = kelp::ReadNumber<kelp::kCameraFileNumberLength>(From(path, root + kCameraFileNumberInPath));
+        *fnum = kelp::ReadNumber<kelp::kCameraFileNumberLength>(kelp::From(path, root + kCameraFileNumberInPath));
     } else {
-        *dnum = kelp::ReadNumber<kelp::kDirNumberLength>(From(path, root + kDirNumberOffset));
-        *fnum = kelp::ReadNumber<kelp::kFileNumberLength>(From(path, root + kFileNumberInPath));
+        *dnum = kelp::ReadNumber<kelp::kDirNumberLength>(kelp::From(path, root + kDirNumberOffset));
+        *fnum = kelp::ReadNumber<kelp::kFileNumberLength>(kelp::From(path, root + kFileNumberInPath));
     }
 }
 
@@ -325,7 +335,8 @@ void CSDCFList::UpdateFirstIndexWithSeriesValue() {
     }
     const long series = ReadSeriesValue();
     if (series != kelp::kLastIndex) {
-        m_nFirstIndex = static_cast<int>(std::max<long>(m_nFirstIndex, series));
+        // A damaged store may hold anything; a value beyond an int counts as exhausted, like any beyond 999-9999.
+        m_nFirstIndex = static_cast<int>(std::clamp<long>(series, m_nFirstIndex, std::numeric_limits<int>::max()));
     } else if (m_nFirstIndex != kelp::kLastIndex) {
         // Deliberate: a series that has reached its end starts again from the card's own numbering.
         (void)BackupSeriesValue(m_nFirstIndex); // a failed write is met again at the next listing
@@ -506,11 +517,8 @@ int CSDCFList::GetAtSimply(int index, CSFileListItem* pItem) {
 }
 
 int CSDCFList::GetInfo(char* path, CSFileListItem* pItem) {
-    int dnum = 0;
-    int fnum = 0;
-    GetNum(path, &dnum, &fnum);
-    const int didx = GetDirIndex(dnum);
-    DCFItem item = Dir(didx).GetItem(Dir(didx).GetFidx(fnum));
+    const auto [didx, fidx] = Find(path);
+    DCFItem item = Dir(didx).GetItem(fidx);
     ConvertFileItem(item, pItem, didx);
     if (std::strlen(path) >= KELP_DCF_MAX_FILE_NAME_LEN) {
         return kelp::kFailure;
@@ -564,11 +572,8 @@ void CSDCFList::ComposePaths(DCFItem& src, CSFileListItem* pItem, int didx) {
 void CSDCFList::CollectMetadata(DCFItem& src, char* path) {
     // Deliberate: the file is looked up again by its path, with or without a collector. Where two directories share a
     // number this finds the first of them.
-    int dnum = 0;
-    int fnum = 0;
-    GetNum(path, &dnum, &fnum);
-    CSDCFDir& dir = Dir(GetDirIndex(dnum));
-    const int fidx = dir.GetFidx(fnum);
+    const auto [didx, fidx] = Find(path);
+    CSDCFDir& dir = Dir(didx);
     if (src.getFileType() == FILE_TYPE_MP4) {
         if (m_VideoInfoCollector != nullptr) {
             CollectVideo(dir, fidx, path);
@@ -612,10 +617,302 @@ int CSDCFList::RegisterVideoMetadataCB(VideoInfoCollector /*collector*/) {
 }
 
 int CSDCFList::AddPhotoMetadata(const char* path, PhotoInfo& info) {
+    const auto [didx, fidx] = Find(path);
+    Dir(didx).setPhotoData(fidx, info);
+    return kelp::kSuccess;
+}
+
+// ---- Deletion ----
+
+void CSDCFList::Delete(char* path) {
+    const auto [didx, fidx] = Find(path);
+    DCFItem item = Dir(didx).GetItem(fidx);
+    if (item.getProtect()) {
+        return;
+    }
+    RemoveFromCard(item, didx);
+    Dir(didx).RemoveItem(fidx);
+    DropDirectoryIfEmpty(didx);
+    if (didx == 0 && fidx == 0) {
+        UpdateFirstIndex(false);
+    }
+}
+
+void CSDCFList::Delete(const std::vector<int>& indices) {
+    int base = 0;
+    // Deliberate: the position advances over an erased directory too, so the one that moves up is passed over and the
+    // indices meant for it meet the directory behind it.
+    for (int didx = 0; didx < m_nDirCount; ++didx) {
+        CSDCFDir& dir = Dir(didx);
+        const int count = dir.GetCount();
+        if (count == 0) {
+            continue; // Deliberate: an empty directory is never removed here.
+        }
+        std::vector<int> collected;
+        for (const int index : indices) {
+            if (index >= base && index < base + count) {
+                collected.push_back(index - base);
+            }
+        }
+        for (std::size_t position = collected.size(); position-- > 0;) {
+            DCFItem item = dir.GetItem(collected.at(position));
+            if (item.getProtect()) {
+                collected.erase(collected.begin() + static_cast<std::ptrdiff_t>(position));
+            } else {
+                RemoveFromCard(item, didx);
+            }
+        }
+        dir.RemoveItems(collected);
+        DropDirectoryIfEmpty(didx);
+        base += count;
+    }
+    UpdateFirstIndex(false);
+}
+
+void CSDCFList::DeleteAll() {
+    for (int didx = 0; didx < m_nDirCount; ++didx) {
+        for (int fidx = 0; fidx < Dir(didx).GetCount(); ++fidx) {
+            DCFItem item = Dir(didx).GetItem(fidx);
+            RemoveFromCard(item, didx); // Deliberate: protected files go too.
+        }
+        char path[KELP_DCF_MAX_FILE_NAME_LEN];
+        ComposeDirPath(path, Dir(didx).m_strDirName);
+        if (PCSDCFFSIO::IsDirEmpty(path)) {
+            (void)PCSDCFFSIO::RemoveFile(path); // what stays is listed again
+        }
+    }
+}
+
+/// Removes a file and its companion file. Failures are ignored: the item leaves the tree all the same.
+void CSDCFList::RemoveFromCard(DCFItem& item, int didx) {
+    char path[KELP_DCF_MAX_FILE_NAME_LEN];
+    GetFullPath(path, sizeof path, didx, item);
+    (void)PCSDCFFSIO::RemoveFile(path);
+    if (item.getObjectType() != FILE_TYPE_NONE) {
+        GetObjectFullPath(path, sizeof path, didx, item);
+        (void)PCSDCFFSIO::RemoveFile(path);
+    }
+}
+
+/// Takes a directory out of the tree and off the card when the card holds nothing more in it, whatever the tree lists.
+void CSDCFList::DropDirectoryIfEmpty(int didx) {
+    char path[KELP_DCF_MAX_FILE_NAME_LEN];
+    ComposeDirPath(path, Dir(didx).m_strDirName);
+    if (!PCSDCFFSIO::IsDirEmpty(path)) {
+        return;
+    }
+    delete m_dirGroup.at(static_cast<std::size_t>(didx));
+    m_dirGroup.erase(m_dirGroup.begin() + didx);
+    --m_nDirCount;
+    (void)PCSDCFFSIO::RemoveFile(path);
+}
+
+void CSDCFList::ComposeDirPath(char (&out)[KELP_DCF_MAX_FILE_NAME_LEN], const char* name) {
+    kelp::Compose(out, sizeof out, "%s/%s/%s", m_szBaseURI, kelp::kDcimName, name);
+}
+
+// ---- Protection and Wi-Fi marks ----
+
+/// Every item in list order.
+template <typename Visit>
+void CSDCFList::VisitAll(Visit visit) {
+    for (int didx = 0; didx < m_nDirCount; ++didx) {
+        for (int fidx = 0; fidx < Dir(didx).GetCount(); ++fidx) {
+            visit(didx, fidx);
+        }
+    }
+}
+
+/// The items at list positions in ascending order. A position below the present directory is consumed without effect,
+/// one beyond the list ends the walk.
+template <typename Visit>
+void CSDCFList::VisitIndices(const std::vector<int>& indices, Visit visit) {
+    auto next = indices.begin();
+    int end = 0;
+    for (int didx = 0; didx < m_nDirCount; ++didx) {
+        const int begin = end;
+        end += Dir(didx).GetCount();
+        for (; next != indices.end() && *next < end; ++next) {
+            if (*next >= begin) {
+                visit(didx, *next - begin);
+            }
+        }
+    }
+}
+
+/// Memory first, then the card, whose failure leaves the mark in memory.
+void CSDCFList::ProtectOne(int didx, int fidx, bool on) {
+    Dir(didx).SetProtect(fidx, on);
+    DCFItem item = Dir(didx).GetItem(fidx);
+    char path[KELP_DCF_MAX_FILE_NAME_LEN];
+    GetFullPath(path, sizeof path, didx, item);
+    (void)PCSDCFFSIO::SetProtect(path, on);
+    if (item.getObjectType() != FILE_TYPE_NONE) {
+        GetObjectFullPath(path, sizeof path, didx, item);
+        (void)PCSDCFFSIO::SetProtect(path, on);
+    }
+}
+
+bool CSDCFList::GetProtect(char* path) {
+    const auto [didx, fidx] = Find(path);
+    return Dir(didx).GetItem(fidx).getProtect();
+}
+
+void CSDCFList::SetProtect(char* path, bool on) {
+    const auto [didx, fidx] = Find(path);
+    ProtectOne(didx, fidx, on);
+}
+
+void CSDCFList::SetProtect(const std::vector<int>& indices, bool on) {
+    VisitIndices(indices, [this, on](int didx, int fidx) { ProtectOne(didx, fidx, on); });
+}
+
+void CSDCFList::SetProtectToggle(const std::vector<int>& indices) {
+    VisitIndices(indices,
+                 [this](int didx, int fidx) { ProtectOne(didx, fidx, !Dir(didx).GetItem(fidx).getProtect()); });
+}
+
+void CSDCFList::SetProtectAll(bool on) {
+    VisitAll([this, on](int didx, int fidx) { ProtectOne(didx, fidx, on); });
+}
+
+bool CSDCFList::GetWifi(char* path) {
+    const auto [didx, fidx] = Find(path);
+    return Dir(didx).GetItem(fidx).getWifi();
+}
+
+void CSDCFList::SetWifi(char* path, bool on) {
+    const auto [didx, fidx] = Find(path);
+    Dir(didx).SetWifi(fidx, on);
+}
+
+void CSDCFList::SetWifiAll(bool on) {
+    VisitAll([this, on](int didx, int fidx) { Dir(didx).SetWifi(fidx, on); });
+}
+
+// ---- New files and renumbering ----
+
+int CSDCFList::GetNewFileName(char* prefix, char* ext, char* out, int outLen, char* dirSuffix) {
+    if (GetCount() > kelp::kMaxTotalFiles) {
+        return kelp::kFailure;
+    }
+    UpdateFirstIndexWithSeriesValue();
+    const int index = GetNewFileIndex(dirSuffix);
+    if (index < 0) {
+        return kelp::kFailure;
+    }
+    const int result = GetNewFileIndex_SetInfo(index, prefix, ext, out, outLen);
+    if (result < 0) {
+        return result;
+    }
+    (void)BackupSeriesValue(index); // the number is taken on this card, stored or not
+    SetCurFile(out);
+    return result;
+}
+
+int CSDCFList::GetNewFileIndex(const char* dirSuffix) {
     int dnum = 0;
     int fnum = 0;
-    GetNum(path, &dnum, &fnum);
-    CSDCFDir& dir = Dir(GetDirIndex(dnum));
-    dir.setPhotoData(dir.GetFidx(fnum), info);
+    GetIndexToNum(m_nFirstIndex, &dnum, &fnum);
+    dnum = std::max(dnum, kelp::kMinDirNumber);
+    const bool directoryFull = fnum >= kelp::kMaxFileNumber;
+    fnum = directoryFull ? kelp::kMinFileNumber : fnum + 1;
+    dnum = directoryFull ? dnum + 1 : dnum;
+    if (dnum > kelp::kMaxDirNumber) {
+        return kelp::kNumbersUsedUp;
+    }
+    const bool otherSuffix = NumberTakenByOther(dnum, dirSuffix);
+    if (otherSuffix) {
+        fnum = kelp::kMinFileNumber;
+        if (++dnum > kelp::kMaxDirNumber) {
+            return kelp::kNumbersUsedUp;
+        }
+    }
+    char name[kNewDirNameSize];
+    kelp::Compose(name, sizeof name, "%d%s", dnum, dirSuffix);
+    if (CheckDirectoryExist(name) != 0 && !directoryFull && !otherSuffix) {
+        return TakeIndex(dnum, fnum); // Deliberate: used as it is, listed or not.
+    }
+    (void)CreateNewDirectory(name); // Deliberate: a failure is only printed; the directory is entered all the same.
+    {
+        // Deliberate: the directory registry is left alone, so the files in here read as unprotected until they are
+        // protected through the list or the card is listed again.
+        const vell::ScopedLock lock(&s_listMutex);
+        auto dir = std::make_unique<CSDCFDir>(dnum, name);
+        m_dirGroup.push_front(dir.get());
+        (void)dir.release(); // m_dirGroup owns it
+        ++m_nDirCount;
+    }
+    return TakeIndex(dnum, fnum);
+}
+
+/// Whether directories have the number, but none of them the suffix.
+bool CSDCFList::NumberTakenByOther(int dnum, const char* dirSuffix) {
+    bool taken = false;
+    for (int didx = 0; didx < m_nDirCount; ++didx) {
+        if (Dir(didx).GetDnum() == dnum) {
+            taken = true;
+            if (std::strcmp(kelp::From(Dir(didx).m_strDirName, kelp::kDirNumberLength), dirSuffix) == 0) {
+                return false;
+            }
+        }
+    }
+    return taken;
+}
+
+int CSDCFList::TakeIndex(int dnum, int fnum) {
+    m_nFirstIndex = GetNumToIndex(dnum, fnum);
+    return m_nFirstIndex;
+}
+
+int CSDCFList::GetNewFileIndex_SetInfo(int index, char* prefix, char* ext, char* out, int outLen) {
+    if (m_dirGroup.empty()) {
+        return kelp::kFailure;
+    }
+    int dnum = 0;
+    int fnum = 0;
+    GetIndexToNum(index, &dnum, &fnum);
+    const auto size = static_cast<std::size_t>(outLen);
+    kelp::Compose(out, size, "%s%04d.%s", prefix, fnum, ext);
+    CSDCFDir& front = *m_dirGroup.front();
+    front.AddHead(dnum, fnum, out, static_cast<unsigned int>(std::time(nullptr)));
+    kelp::Compose(out, size, "%s/%s/%s/%s%04d.%s", m_szBaseURI, kelp::kDcimName, front.m_strDirName, prefix, fnum, ext);
+    ++m_nTotalCount;
     return kelp::kSuccess;
+}
+
+int CSDCFList::CreateNewDirectory(const char* name) {
+    char path[KELP_DCF_MAX_FILE_NAME_LEN];
+    ComposeDirPath(path, name);
+    const int result = PCSDCFFSIO::MakeDirectory(path);
+    return result == 0 ? result : std::printf("make directory fail\n");
+}
+
+int CSDCFList::CheckDirectoryExist(const char* name) {
+    char path[KELP_DCF_MAX_FILE_NAME_LEN];
+    ComposeDirPath(path, name);
+    return PCSDCFFSIO::IsDirExist(path) ? 1 : 0;
+}
+
+void CSDCFList::ReorderDirNames() {
+    char dcim[KELP_DCF_MAX_FILE_NAME_LEN];
+    kelp::Compose(dcim, sizeof dcim, "%s/%s", m_szBaseURI, kelp::kDcimName);
+    PCSDCFFSIO listing(dcim, true);
+    // Deliberate: from the highest number down, so the order is reversed; every entry takes a number, "Camera", entries
+    // that are not listed and failed renames included.
+    int number = kelp::kMinDirNumber;
+    PCSDCFFSIO::PTFile entry;
+    while (listing.Read(&entry) >= 0) {
+        char from[KELP_DCF_MAX_FILE_NAME_LEN];
+        char to[KELP_DCF_MAX_FILE_NAME_LEN];
+        kelp::Compose(from, sizeof from, "%s/%s", dcim, entry.szName);
+        kelp::Compose(to, sizeof to, "%s/%03d%.*s", dcim, number, static_cast<int>(kelp::kDirSuffixLength),
+                      kelp::From(entry.szName, kelp::kDirNumberLength));
+        if (std::rename(from, to) == -1) {
+            std::printf("rename fail\n");
+        }
+        ++number;
+    }
+    (void)pref_set_long(kSeriesGroup, kSeriesKey, 0); // the next new name stores the value again
+    sync();
 }

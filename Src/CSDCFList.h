@@ -9,14 +9,14 @@
 #include <deque>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "CSDCFDir.h"
 #include "CSDCFItemList.h"
 #include "CSFileListItem.h"
 #include "FileListTypes.h"
 #include "MetadataInfo.h"
-
-#define KELP_LOCAL __attribute__((visibility("hidden")))
+#include "Visibility.h"
 
 /// Process-wide registry of directory paths by directory number, refilled by every listing.
 class KELP_API DirPathMapper {
@@ -108,6 +108,46 @@ public:
     void ConvertFileItem(DCFItem& src, CSFileListItem* pItem, int didx);
     void ConvertFileItemSimply(DCFItem& src, CSFileListItem* pItem, int didx);
 
+    // Deletion: file before companion file, file before directory. Nothing reports a failure of the card.
+
+    /// Deletes one file by path, unless it is protected. The cursor stays. Fatal for a file that is not listed.
+    void Delete(char* path);
+    /// Deletes the unprotected files at list positions, given in ascending order. A directory that this empties makes
+    /// the walk pass over the one that follows.
+    void Delete(const std::vector<int>& indices);
+    /// Removes every file from the card, protected or not; the tree stays as it was.
+    void DeleteAll();
+
+    // Protection, in memory first and then on the card, and the Wi-Fi mark, in memory only.
+
+    bool GetProtect(char* path);
+    void SetProtect(char* path, bool on);
+    /// List positions in ascending order.
+    void SetProtect(const std::vector<int>& indices, bool on);
+    /// Flips each item by itself. List positions in ascending order.
+    void SetProtectToggle(const std::vector<int>& indices);
+    void SetProtectAll(bool on);
+    bool GetWifi(char* path);
+    void SetWifi(char* path, bool on);
+    void SetWifiAll(bool on);
+
+    // New files and renumbering.
+
+    /// Takes the next file number and enters the file. @param out receives the path, outLen bytes.
+    /// @return 0; -1 when the numbers or the 99,999 files are used up.
+    int GetNewFileName(char* prefix, char* ext, char* out, int outLen, char* dirSuffix);
+    /// The number index of the next file; makes its directory. @return -9999 when the directory numbers are used up.
+    int GetNewFileIndex(const char* dirSuffix);
+    /// Enters a file into the front directory. @return 0; -1 without a directory.
+    int GetNewFileIndex_SetInfo(int index, char* prefix, char* ext, char* out, int outLen);
+    /// @return 0, or the number of characters of the failure text on standard output.
+    int CreateNewDirectory(const char* name);
+    /// @return 1 when the directory can be opened, else 0.
+    int CheckDirectoryExist(const char* name);
+    /// Renumbers the directories on the card from 100 on, the highest first, and resets the series value. The tree
+    /// stays as it was.
+    void ReorderDirNames();
+
     // Metadata.
 
     static int RegisterPhotoMetadataCB(PhotoInfoCollector collector);
@@ -140,6 +180,11 @@ private:
     KELP_LOCAL CSDCFDir& Dir(int didx);
     KELP_LOCAL bool HasDirectory(int didx);
     KELP_LOCAL void AddDirectory(int dnum, const char* name, const char* fullPath);
+    struct Place {
+        int didx;
+        int fidx;
+    };
+    KELP_LOCAL Place Find(const char* path);
     KELP_LOCAL int CountBefore(int didx);
     KELP_LOCAL int FindFilledForward(int didx);
     KELP_LOCAL int FindFilledBackward(int didx);
@@ -147,8 +192,16 @@ private:
     KELP_LOCAL void ComposePaths(DCFItem& src, CSFileListItem* pItem, int didx);
     KELP_LOCAL void CollectMetadata(DCFItem& src, char* path);
     KELP_LOCAL void CollectVideo(CSDCFDir& dir, int fidx, char* path);
+    KELP_LOCAL void RemoveFromCard(DCFItem& item, int didx);
+    KELP_LOCAL void DropDirectoryIfEmpty(int didx);
+    KELP_LOCAL void ComposeDirPath(char (&out)[KELP_DCF_MAX_FILE_NAME_LEN], const char* name);
+    KELP_LOCAL void ProtectOne(int didx, int fidx, bool on);
+    template <typename Visit>
+    KELP_LOCAL void VisitIndices(const std::vector<int>& indices, Visit visit);
+    template <typename Visit>
+    KELP_LOCAL void VisitAll(Visit visit);
+    KELP_LOCAL bool NumberTakenByOther(int dnum, const char* dirSuffix);
+    KELP_LOCAL int TakeIndex(int dnum, int fnum);
 };
-
-#undef KELP_LOCAL
 
 #endif

@@ -1,12 +1,18 @@
 // The façade; see the header. Sections: life, core, browsing, selection and batches, naming and capacity.
 #include "CSFileList.h"
 
+#include <unistd.h>
+
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <cstring>
+#include <string>
 
 #include "BoundedText.h"
 #include "CSDCFList.h"
+#include "DcfRules.h"
+#include "LocalDate.h"
 #include "Results.h"
 
 #define KELP_UNIT "CSFileList"
@@ -15,12 +21,24 @@
 namespace {
 
 constexpr const char* kDefaultRoot = "/mnt/mmc";
-constexpr const char* kDefaultFolderSuffix = "PHOTO";
+constexpr char kFixedFolderSuffix[] = "PHOTO";
 constexpr const char* kStandardPrefix = "KVR_";
 constexpr const char* kOptionalPrefix = "_KVR";
 constexpr std::size_t kMaxRootLength = 97;
 constexpr std::size_t kMaxPrefixLength = 8;
 constexpr int kUnknown = -1;
+constexpr int kRenumbered = 1;
+constexpr int kNewNameSize = 396; // of the buffer that a client hands in for a new path
+
+// Capacity. Deliberate: clients know these figures; they are not to be computed from anything.
+constexpr int kMaxListed = 100000;
+constexpr int kLastPlentyDirNumber = 997;
+constexpr int kPlenty = 20000;
+constexpr std::size_t kSuffixInPath = 9; // behind the storage root: "/DCIM/" and the directory number
+
+// Waiting for a listing on another thread.
+constexpr int kMaxWaits = 200;
+constexpr unsigned kWaitMicroseconds = 100000;
 
 // Values of listupDone.
 constexpr std::int32_t kNeverListed = -1;
@@ -30,6 +48,10 @@ constexpr std::int32_t kListed = 1;
 /// listupDone is a plain field that another thread may poll while a listing runs.
 void Publish(std::int32_t& listupDone, std::int32_t state) {
     std::atomic_ref<std::int32_t>(listupDone).store(state, std::memory_order_release);
+}
+
+std::int32_t Peek(std::int32_t& listupDone) {
+    return std::atomic_ref<std::int32_t>(listupDone).load(std::memory_order_acquire);
 }
 
 } // namespace
@@ -50,7 +72,7 @@ CSFileList::CSFileList()
       listupDone(kNeverListed) {
     kelp::CopyText(m_szBaseURI, kDefaultRoot);
     kelp::CopyText(m_szDefaultPath, kDefaultRoot);
-    kelp::CopyText(m_szDefaultFolder, kDefaultFolderSuffix);
+    kelp::CopyText(m_szDefaultFolder, kFixedFolderSuffix);
     kelp::CopyText(m_szDefaultPrefix, kStandardPrefix);
     CSFileList::SetFileNameMake(FILE_NAME_MAKE_FIXED);
     CSFileList::SetFolderNameMake(FILE_NAME_MAKE_FIXED);
@@ -285,77 +307,134 @@ int CSFileList::UpdateFirstIndex(bool ignoreSeries) {
 
 // ---- Selection and batches ----
 
-bool CSFileList::IsSel(int /*nIdx*/) {
+bool CSFileList::IsSel(int nIdx) {
     KELP_LOG("start");
-    return false;
+    return std::find(m_vecSel.begin(), m_vecSel.end(), nIdx) != m_vecSel.end();
 }
 
-void CSFileList::SetSel(int /*nIdx*/, bool /*on*/) {
+void CSFileList::SetSel(int nIdx, bool on) {
     KELP_LOG("start");
+    const auto found = std::find(m_vecSel.begin(), m_vecSel.end(), nIdx);
+    if (on && found == m_vecSel.end()) {
+        m_vecSel.push_back(nIdx);
+    } else if (!on && found != m_vecSel.end()) {
+        m_vecSel.erase(found); // each position stands in it at most once
+    }
 }
 
 void CSFileList::SelectCancel() {
     KELP_LOG("start");
+    m_vecSel.clear();
 }
 
 int CSFileList::GetSelCount() {
     KELP_LOG("start");
-    return kelp::kFailure;
+    return static_cast<int>(m_vecSel.size());
 }
 
 std::vector<int> CSFileList::GetSelectIndecies() {
     KELP_LOG("start");
-    return {};
+    return m_vecSel;
 }
 
-int CSFileList::Delete(CSFileListItem* /*pItem*/) {
+int CSFileList::Delete(CSFileListItem* pItem) {
     KELP_LOG("start");
-    return kelp::kFailure;
+    KELP_ASSERT_ITEM(pItem);
+    if (pItem->m_bProtect) {
+        return kelp::kFailure;
+    }
+    KELP_ASSERT_TREE();
+    m_pDCF->Delete(pItem->m_strURI);
+    m_vecSel.clear();
+    m_nList = m_pDCF->GetCount();
+    sync();
+    return kelp::kSuccess;
 }
 
 int CSFileList::DeleteSel() {
     KELP_LOG("start");
-    return kelp::kFailure;
+    KELP_ASSERT_TREE();
+    std::sort(m_vecSel.begin(), m_vecSel.end());
+    m_pDCF->Delete(m_vecSel);
+    const int smallest = m_vecSel.at(0); // Deliberate: nothing selected is the client's error and throws.
+    m_nList = m_pDCF->GetCount();
+    if (m_nList >= 1) {
+        SetCurIndex(std::max(smallest - 1, 0));
+    }
+    m_vecSel.clear();
+    sync();
+    return kelp::kSuccess;
 }
 
 int CSFileList::DeleteAll() {
     KELP_LOG("start");
-    return kelp::kFailure;
+    KELP_ASSERT_TREE();
+    m_pDCF->DeleteAll();
+    sync();
+    m_vecSel.clear();
+    ListAgain();
+    UpdateFirstIndex(false);
+    KELP_LOG("%s end", "DeleteAll");
+    return kelp::kSuccess;
 }
 
-int CSFileList::SetProtect(CSFileListItem* /*pItem*/, bool /*on*/) {
-    KELP_LOG("start");
-    return kelp::kFailure;
+void CSFileList::ListAgain() {
+    delete m_pDCF;
+    m_pDCF = nullptr;
+    Listup();
 }
 
-int CSFileList::SetProtectSel(bool /*on*/) {
+int CSFileList::SetProtect(CSFileListItem* pItem, bool on) {
     KELP_LOG("start");
-    return kelp::kFailure;
+    KELP_ASSERT_ITEM(pItem);
+    KELP_ASSERT_TREE();
+    m_pDCF->SetProtect(pItem->m_strURI, on);
+    return kelp::kSuccess;
 }
 
-int CSFileList::SetProtectAll(bool /*on*/) {
+int CSFileList::SetProtectSel(bool on) {
     KELP_LOG("start");
-    return kelp::kFailure;
+    KELP_ASSERT_TREE();
+    std::sort(m_vecSel.begin(), m_vecSel.end());
+    m_pDCF->SetProtect(m_vecSel, on);
+    m_vecSel.clear();
+    return kelp::kSuccess;
+}
+
+int CSFileList::SetProtectAll(bool on) {
+    KELP_LOG("start");
+    KELP_ASSERT_TREE();
+    m_pDCF->SetProtectAll(on);
+    return kelp::kSuccess;
 }
 
 int CSFileList::SetProtectSelToggle() {
     KELP_LOG("start");
-    return kelp::kFailure;
+    KELP_ASSERT_TREE();
+    std::sort(m_vecSel.begin(), m_vecSel.end());
+    m_pDCF->SetProtectToggle(m_vecSel);
+    m_vecSel.clear();
+    return kelp::kSuccess;
 }
 
-int CSFileList::SetWifiFlag(CSFileListItem* /*pItem*/, bool /*on*/) {
+int CSFileList::SetWifiFlag(CSFileListItem* pItem, bool on) {
     KELP_LOG("start");
-    return kelp::kFailure;
+    KELP_ASSERT_ITEM(pItem);
+    KELP_ASSERT_TREE();
+    m_pDCF->SetWifi(pItem->m_strURI, on);
+    return kelp::kSuccess;
 }
 
-bool CSFileList::IsWifiFlag(CSFileListItem* /*pItem*/) {
+bool CSFileList::IsWifiFlag(CSFileListItem* pItem) {
     KELP_LOG("start");
-    return false;
+    return pItem != nullptr && pItem->m_bWifi; // Deliberate: as the item was filled; the tree is not asked.
 }
 
-int CSFileList::SetCustomBitAll(int /*bit*/, bool /*on*/) {
+int CSFileList::SetCustomBitAll(int /*bit*/, bool on) {
     KELP_LOG("start");
-    return kelp::kFailure;
+    KELP_ASSERT_TREE();
+    m_pDCF->SetWifiAll(on); // Deliberate: the Wi-Fi mark is the only custom bit.
+    return kelp::kSuccess;
 }
 
 // ---- Naming and capacity ----
@@ -395,22 +474,113 @@ int CSFileList::SetFilePrefix(char* prefix) {
     return kelp::kSuccess;
 }
 
-int CSFileList::GetNewFileName(char* /*out*/, int /*type*/) {
+int CSFileList::GetNewFileName(char* out, int type) {
     KELP_LOG("start");
-    return kelp::kFailure;
+    if (m_pDCF == nullptr || out == nullptr) {
+        return kelp::kFailure;
+    }
+    std::string extension = fileTypeToString(static_cast<eFileType>(type));
+    const bool stereoscopic = type == FILE_TYPE_MP4 && m_eImageType == FILE_LIST_IMAGE_TYPE_STEREOSCOPIC;
+    char* prefix = MakeFilePrefix(stereoscopic);
+    char fixedSuffix[sizeof kFixedFolderSuffix];
+    kelp::CopyText(fixedSuffix, kFixedFolderSuffix);
+    char* suffix = m_eFolderNameMake == FILE_NAME_MAKE_FIXED ? fixedSuffix : MakeDateFolder();
+    const int nRet = extension.empty() ? kelp::kFailure
+                                       : m_pDCF->GetNewFileName(prefix, extension.data(), out, kNewNameSize, suffix);
+    KELP_LOG("filename = %s foldername = %s", prefix, suffix);
+    KELP_LOG("new filename = %.*s", kNewNameSize, out);
+    m_nList = m_pDCF->GetCount();
+    return nRet;
 }
 
-int CSFileList::GetLatestFileName(char* /*out*/, eFileType /*type*/) {
+/// The prefix of the next file name, in the buffer that belongs to the naming mode.
+char* CSFileList::MakeFilePrefix(bool stereoscopic) {
+    if (m_eFileNameMake == FILE_NAME_MAKE_FIXED) {
+        if (stereoscopic) {
+            kelp::CopyText(m_sz3DPrefix, "S3D_"); // Deliberate: filled and never used.
+        }
+        return m_szFilePrefix;
+    }
+    const kelp::LocalDate date = kelp::ReadLocalDate();
+    if (m_eColorMode == FILE_LIST_COLOR_MODE_OPTIONAL && !stereoscopic) {
+        kelp::Compose(m_szDatePrefix, sizeof m_szDatePrefix, "_%X%02u", unsigned{date.month}, unsigned{date.day});
+    } else {
+        kelp::Compose(m_szDatePrefix, sizeof m_szDatePrefix, "%02u%02u", unsigned{date.month}, unsigned{date.day});
+    }
+    return m_szDatePrefix;
+}
+
+char* CSFileList::MakeDateFolder() {
+    const kelp::LocalDate date = kelp::ReadLocalDate();
+    kelp::Compose(m_szDateFolder, sizeof m_szDateFolder, "_%02u%02u", unsigned{date.month}, unsigned{date.day});
+    return m_szDateFolder;
+}
+
+int CSFileList::GetLatestFileName(char* out, eFileType type) {
     KELP_LOG("start");
-    return kelp::kFailure;
+    if (m_pDCF == nullptr || out == nullptr) {
+        return kelp::kFailure;
+    }
+    if (type == FILE_TYPE_NONE) {
+        return kelp::kNoType;
+    }
+    CSFileListItem item;
+    GetFirst(&item);
+    if (m_pDCF->SetObject(item.m_strURI, type) == 0) {
+        const bool companion = type == FILE_TYPE_SRW || type == FILE_TYPE_MPO;
+        std::string path(item.m_strURI);
+        if (companion && path.length() >= kelp::kExtensionLength) {
+            path.replace(path.length() - kelp::kExtensionLength, kelp::kExtensionLength, fileTypeToString(type));
+        }
+        std::memcpy(out, path.data(), path.length()); // Deliberate: no terminator; the caller's buffer is zeroed.
+    }
+    return kelp::kSuccess;
 }
 
 int CSFileList::GetAvailNumOfPhoto() {
     KELP_LOG("start");
-    return kelp::kFailure;
+    std::int32_t done = Peek(listupDone);
+    for (int wait = 0; done != kListed && wait < kMaxWaits; ++wait) {
+        usleep(kWaitMicroseconds);
+        done = Peek(listupDone);
+        KELP_LOG("Listing... %d", done);
+    }
+    KELP_ASSERT_AS(done == kListed, "listupDone == 1", "listupDone == 1", "listup is not done");
+    KELP_ASSERT_TREE();
+    int dnum = 0;
+    int fnum = 0;
+    m_pDCF->GetIndexToNum(m_pDCF->m_nFirstIndex, &dnum, &fnum);
+    if (m_nList >= 1) {
+        if (dnum == kelp::kMaxDirNumber && !LastDirectoryFits()) {
+            KELP_LOG("return 0");
+            return 0;
+        }
+        if (m_nList == kelp::kMaxTotalFiles) {
+            KELP_LOG("total count is almost max = %d", m_nList);
+        }
+    }
+    const int nCount = kMaxListed - m_nList;
+    const int nName = dnum > kLastPlentyDirNumber ? kelp::kMaxFileNumber - fnum : kPlenty;
+    if (nName < nCount) {
+        KELP_LOG("return nName = %d", nName);
+        return nName;
+    }
+    KELP_LOG("return nCount = %d", nCount);
+    return nCount;
+}
+
+/// Whether the last directory's suffix is one that the folder-name mode makes; else no new name can go there.
+bool CSFileList::LastDirectoryFits() {
+    CSFileListItem item;
+    GetAtSimply(0, &item);
+    const char* suffix = kelp::From(item.m_strURI, std::strlen(m_pDCF->m_szBaseURI) + kSuffixInPath);
+    return kelp::StartsWith(suffix, m_eFolderNameMake == FILE_NAME_MAKE_FIXED ? kFixedFolderSuffix : "_");
 }
 
 int CSFileList::RenameDCFFullStorage() {
     KELP_LOG("start");
-    return kelp::kFailure;
+    KELP_ASSERT_TREE();
+    m_pDCF->ReorderDirNames();
+    ListAgain();
+    return kRenumbered;
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "ISFileList.h"
+#include "Visibility.h"
 
 class CSDCFList;
 
@@ -98,6 +99,13 @@ public:
     CSDCFList* m_pDCF;                  ///< The tree, owned; null before the first Listup.
     std::int32_t listupDone;            ///< -1 never listed, 0 a scan is under way, 1 the last one finished.
     std::vector<std::int32_t> m_vecSel; ///< The selected list positions.
+
+private:
+    // Not part of the exported class.
+    KELP_LOCAL void ListAgain();
+    KELP_LOCAL char* MakeFilePrefix(bool stereoscopic);
+    KELP_LOCAL char* MakeDateFolder();
+    KELP_LOCAL bool LastDirectoryFits();
 };
 
 #endif

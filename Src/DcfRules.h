@@ -19,6 +19,11 @@ constexpr int kMinDirNumber = 100;
 constexpr int kMaxDirNumber = 999;
 constexpr std::size_t kDirNameLength = 8;
 constexpr std::size_t kDirNumberLength = 3;
+constexpr std::size_t kDirSuffixLength = 5;
+
+// File numbers of new files.
+constexpr int kMinFileNumber = 1;
+constexpr int kMaxFileNumber = 9999;
 
 // Files of a DCF directory: four free characters, four digits, a dot, three letters.
 constexpr std::size_t kFileNameLength = 12;

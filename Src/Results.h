@@ -11,6 +11,8 @@ constexpr int kNoPath = -2;
 constexpr int kTooLong = -2;
 constexpr int kNoItem = -3;
 constexpr int kNoTree = -6;
+constexpr int kNoType = -200;
+constexpr int kNumbersUsedUp = -9999;
 constexpr int kRegistered = 1;
 
 } // namespace kelp
