@@ -359,7 +359,7 @@ int CSFileList::DeleteSel() {
     const int smallest = m_vecSel.at(0); // Deliberate: nothing selected is the client's error and throws.
     m_nList = m_pDCF->GetCount();
     if (m_nList >= 1) {
-        SetCurIndex(std::max(smallest - 1, 0));
+        SetCurIndex(smallest > 0 ? smallest - 1 : 0);
     }
     m_vecSel.clear();
     sync();
