@@ -1,0 +1,127 @@
+// The documented use from several threads, which must also be clean under ThreadSanitizer: the operations of one tree
+// that hold its mutex, and a poll of the listing's state beside the listing.
+#include "Scenario.h"
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <thread>
+
+namespace dcftest {
+namespace {
+
+constexpr int kRounds = 150;
+
+int g_insideCollector = 0; // guarded by the tree's mutex: a race on it shows a collector outside the lock
+int g_collected = 0;
+
+int CollectUnderLock(char* /*path*/, PhotoInfo* info) {
+    EXPECT_EQ(++g_insideCollector, 1);
+    info->attributeWord = static_cast<std::uint32_t>(++g_collected);
+    std::this_thread::yield();
+    --g_insideCollector;
+    return g_collected % 3 == 0 ? -1 : 0;
+}
+
+class ConcurrentTree : public TreeTest {
+protected:
+    ConcurrentTree() {
+        g_insideCollector = 0;
+        g_collected = 0;
+        card.Fill(3, 8).AddDir("103ABCDE").AddFiles("Camera", {CameraName(1), CameraName(2)});
+        List();
+        CSDCFList::RegisterPhotoMetadataCB(CollectUnderLock);
+        CSFileListItem item;
+        EXPECT_EQ(tree->GetFirst(&item), 0);
+    }
+
+    /// An item that an operation filled describes one file, not two.
+    void ExpectWhole(const CSFileListItem& item) {
+        const bool camera = item.m_nDirNum == 99;
+        const std::string dir = camera ? "Camera" : DirName(item.m_nDirNum);
+        const std::string name = camera ? CameraName(item.m_nFileNum) : DcfName(item.m_nFileNum);
+        EXPECT_EQ(item.m_strURI, Path(dir, name));
+    }
+
+    static void RunTogether(const std::vector<std::function<void()>>& pieces) {
+        std::vector<std::thread> threads;
+        threads.reserve(pieces.size());
+        for (const auto& piece : pieces) {
+            threads.emplace_back([&piece] {
+                for (int round = 0; round < kRounds; ++round) {
+                    piece();
+                }
+            });
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+    }
+
+    /// A piece that calls an operation and looks at what it filled.
+    std::function<void()> Piece(int (CSDCFList::*operation)(CSFileListItem*)) {
+        return [this, operation] {
+            CSFileListItem item;
+            if ((tree.get()->*operation)(&item) == 0) {
+                ExpectWhole(item);
+            }
+        };
+    }
+};
+
+TEST_F(ConcurrentTree, MovesAndGetAtFromSeveralThreadsGiveWholeItemsAndAWholeCursor) {
+    RunTogether({Piece(&CSDCFList::GetFirst), Piece(&CSDCFList::GetNext), Piece(&CSDCFList::GetNext),
+                 Piece(&CSDCFList::GetPrev), Piece(&CSDCFList::GetLast), Piece(&CSDCFList::GetCur), [this] {
+                     for (const int position : {0, 13, 25}) {
+                         CSFileListItem item;
+                         EXPECT_EQ(tree->GetAt(position, &item), 0);
+                         ExpectWhole(item);
+                     }
+                 }});
+    CSFileListItem current;
+    ASSERT_EQ(tree->GetCur(&current), 0);
+    ExpectWhole(current);
+    EXPECT_EQ(tree->GetListIndex(current.m_strURI), tree->m_nCurListIndex);
+    EXPECT_GT(g_collected, 3) << "the files at the ends and at three positions, at least";
+}
+
+/// What a thread that waits for a listing does.
+std::int32_t Poll(std::int32_t& listupDone) {
+    return std::atomic_ref<std::int32_t>(listupDone).load(std::memory_order_acquire);
+}
+
+TEST(ConcurrentListing, AThreadThatSeesListupDoneSeesTheWholeListing) {
+    StartAfresh();
+    Card card;
+    card.Fill(3, 50);
+    CSFileList list;
+    ASSERT_EQ(list.SetBaseURI(card.Root().c_str()), 0);
+    std::atomic<bool> polling = false;
+    std::vector<std::int32_t> seen;
+    std::thread waiting([&] {
+        std::int32_t state = Poll(list.listupDone);
+        seen.push_back(state);
+        polling = true;
+        while (state != 1) {
+            std::this_thread::yield();
+            state = Poll(list.listupDone);
+            if (state != seen.back()) {
+                seen.push_back(state);
+            }
+        }
+        EXPECT_EQ(list.m_nList, 150) << "what the listing wrote is there with its end";
+        EXPECT_EQ(list.m_nCurGetAtIdx, 0);
+        EXPECT_EQ(list.m_pDCF->m_nFirstIndex, 10200050);
+    });
+    while (!polling) {
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(list.Listup(), 150);
+    waiting.join();
+    EXPECT_EQ(seen.front(), -1);
+    EXPECT_EQ(seen.back(), 1);
+    EXPECT_LE(seen.size(), 3U) << "never listed, a scan under way, finished";
+}
+
+} // namespace
+} // namespace dcftest
