@@ -532,7 +532,7 @@ int CSFileList::GetLatestFileName(char* out, eFileType type) {
         if (companion && path.length() >= kelp::kExtensionLength) {
             path.replace(path.length() - kelp::kExtensionLength, kelp::kExtensionLength, fileTypeToString(type));
         }
-        std::memcpy(out, path.data(), path.length()); // Deliberate: no terminator; the caller's buffer is zeroed.
+        path.copy(out, path.length()); // Deliberate: no terminator; the caller's buffer is zeroed.
     }
     return kelp::kSuccess;
 }
