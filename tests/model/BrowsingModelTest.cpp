@@ -3,9 +3,9 @@
 // says that an operation is fatal, it is run in a child and its end compared.
 //
 // A failure names its seed and step. Environment:
-//   DCF_MODEL_SEED   the first card's seed (default 1)
-//   DCF_MODEL_CARDS  how many cards, each with the next seed (default 80, or 1 where a seed is given)
-//   DCF_MODEL_STEPS  operations per card (default 150)
+//   DCF_TEST_SEED   the first card's seed (default 1)
+//   DCF_TEST_CARDS  how many cards, each with the next seed (default 80, or 1 where a seed is given)
+//   DCF_TEST_STEPS  operations per card (default 150)
 #include <sys/stat.h>
 
 #include <cstdlib>
@@ -433,7 +433,7 @@ void Session::TakeOut() {
     CSDCFList& tree = *m_list.m_pDCF;
     const int directory = m_random.Below(static_cast<int>(directories.size()));
     auto& files = directories[static_cast<std::size_t>(directory)].files;
-    if (m_random.Chance(25)) {
+    if (m_random.Chance(40)) {
         delete tree.m_dirGroup[static_cast<std::size_t>(directory)];
         tree.m_dirGroup.erase(tree.m_dirGroup.begin() + directory);
         --tree.m_nDirCount;
@@ -448,6 +448,12 @@ void Session::TakeOut() {
     m_list.m_nList = tree.GetCount();
     m_reference.Recount();
     Compare();
+    if (m_random.Chance(50)) {
+        Do(
+            "GetCurIndex", [&] { return m_reference.GetCurIndex(); }, [&] { return m_list.GetCurIndex(); });
+    } else {
+        Move();
+    }
 }
 
 void Session::ListAgain() {
@@ -497,8 +503,8 @@ void Session::Run(std::uint32_t seed, int steps) {
             for (std::size_t i = m_done.size() - std::min<std::size_t>(m_done.size(), 12); i < m_done.size(); ++i) {
                 last += "\n  " + m_done[i];
             }
-            ADD_FAILURE() << "seed " << seed << ", step " << step << "; repeat it with DCF_MODEL_SEED=" << seed
-                          << " DCF_MODEL_STEPS=" << step << "\nThe last operations:" << last;
+            ADD_FAILURE() << "seed " << seed << ", step " << step << "; repeat it with DCF_TEST_SEED=" << seed
+                          << " DCF_TEST_STEPS=" << step << "\nThe last operations:" << last;
         }
     }
 }
@@ -509,10 +515,10 @@ int FromEnvironment(const char* name, int otherwise) {
 }
 
 TEST(BrowsingModel, TheFileListBehavesAsTheReferenceOnRandomCards) {
-    const bool chosen = std::getenv("DCF_MODEL_SEED") != nullptr;
-    const int seed = FromEnvironment("DCF_MODEL_SEED", 1);
-    const int cards = FromEnvironment("DCF_MODEL_CARDS", chosen ? 1 : 80);
-    const int steps = FromEnvironment("DCF_MODEL_STEPS", 150);
+    const bool chosen = std::getenv("DCF_TEST_SEED") != nullptr;
+    const int seed = FromEnvironment("DCF_TEST_SEED", 1);
+    const int cards = FromEnvironment("DCF_TEST_CARDS", chosen ? 1 : 80);
+    const int steps = FromEnvironment("DCF_TEST_STEPS", 150);
     ASSERT_GT(cards, 0);
     ASSERT_GT(steps, 0);
     Tally all;

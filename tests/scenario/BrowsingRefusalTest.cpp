@@ -234,6 +234,18 @@ TEST_F(BrowsingRefusal, PathsThatTheListDoesNotHoldAreFatal) {
                                 {"0", "cannot be null!", "CSDCFList", "int CSDCFList::SetCurFile(const char*)"}));
 }
 
+TEST_F(BrowsingRefusal, AnItemWhoseTextsDoNotEndIsReadNoFurtherThanItsFields) {
+    card.AddFile("100ABCDE", DcfName(1));
+    ASSERT_EQ(List(), 1);
+    CSFileListItem used = UsedItem();
+    std::memset(used.m_strURI, 'u', sizeof used.m_strURI);
+    std::memset(used.m_strObject, 'o', sizeof used.m_strObject);
+    EXPECT_EQ(list->GetNext(&used), -1);
+    EXPECT_EQ(TakeLog(), Log{Line("GetNext", "GetNext called m_strURI = " + std::string(99, 'u') +
+                                                 " m_strObject = " + std::string(99, 'o'))});
+    EXPECT_FALSE(list->IsLast(&used));
+}
+
 TEST_F(BrowsingRefusal, GetInfoLooksAtThePathThenAtTheItemThenForATree) {
     std::string path = Path("100ABCDE", DcfName(1));
     for (const bool listed : {false, true}) {

@@ -203,6 +203,8 @@ TEST_F(Browsing, GetCurIndexFollowsTheTree) {
     EXPECT_EQ(list->GetCurIndex(), 4);
     EXPECT_EQ(TakeLog(), Log{Refreshed(4)});
     EXPECT_EQ(CachedPosition(), 4);
+    list->m_pDCF->m_dirGroup[0]->RemoveItem(0);
+    EXPECT_EQ(list->GetCurIndex(), 3) << "counted anew, although the cursor has not moved since";
 }
 
 TEST_F(Browsing, GetFileListIndexFindsAPathWithoutMoving) {

@@ -1,9 +1,7 @@
-// The documented use from several threads, which must also be clean under ThreadSanitizer: the operations of one tree
-// that hold its mutex, and a poll of the listing's state beside the listing.
+// The documented use of one tree from several threads, which must also be clean under ThreadSanitizer: the operations
+// that hold its mutex.
 #include "Scenario.h"
 
-#include <atomic>
-#include <chrono>
 #include <functional>
 #include <thread>
 
@@ -83,44 +81,6 @@ TEST_F(ConcurrentTree, MovesAndGetAtFromSeveralThreadsGiveWholeItemsAndAWholeCur
     ExpectWhole(current);
     EXPECT_EQ(tree->GetListIndex(current.m_strURI), tree->m_nCurListIndex);
     EXPECT_GT(g_collected, 3) << "the files at the ends and at three positions, at least";
-}
-
-/// What a thread that waits for a listing does.
-std::int32_t Poll(std::int32_t& listupDone) {
-    return std::atomic_ref<std::int32_t>(listupDone).load(std::memory_order_acquire);
-}
-
-TEST(ConcurrentListing, AThreadThatSeesListupDoneSeesTheWholeListing) {
-    StartAfresh();
-    Card card;
-    card.Fill(3, 50);
-    CSFileList list;
-    ASSERT_EQ(list.SetBaseURI(card.Root().c_str()), 0);
-    std::atomic<bool> polling = false;
-    std::vector<std::int32_t> seen;
-    std::thread waiting([&] {
-        std::int32_t state = Poll(list.listupDone);
-        seen.push_back(state);
-        polling = true;
-        while (state != 1) {
-            std::this_thread::yield();
-            state = Poll(list.listupDone);
-            if (state != seen.back()) {
-                seen.push_back(state);
-            }
-        }
-        EXPECT_EQ(list.m_nList, 150) << "what the listing wrote is there with its end";
-        EXPECT_EQ(list.m_nCurGetAtIdx, 0);
-        EXPECT_EQ(list.m_pDCF->m_nFirstIndex, 10200050);
-    });
-    while (!polling) {
-        std::this_thread::yield();
-    }
-    EXPECT_EQ(list.Listup(), 150);
-    waiting.join();
-    EXPECT_EQ(seen.front(), -1);
-    EXPECT_EQ(seen.back(), 1);
-    EXPECT_LE(seen.size(), 3U) << "never listed, a scan under way, finished";
 }
 
 } // namespace

@@ -214,7 +214,12 @@ TEST_F(TreeLock, IsOneForAllTrees) {
 
 TEST_F(TreeLock, IsNotRecursiveSoACollectorCannotTakeItAgain) {
     int again = 0;
-    g_inCollector = [&] { again = pthread_mutex_trylock(g_holds.back().mutex); };
+    g_inCollector = [&] {
+        again = pthread_mutex_trylock(g_holds.back().mutex);
+        if (again == 0) {
+            (void)pthread_mutex_unlock(g_holds.back().mutex);
+        }
+    };
     ASSERT_EQ(tree->GetFirst(&item), 0);
     EXPECT_EQ(again, EBUSY);
 }
@@ -232,7 +237,7 @@ TEST_F(TreeLock, KeepsAConcurrentThreadOutWhileACollectorRuns) {
             EXPECT_EQ(tree->GetLast(&other), 0);
             done = true;
         });
-        while (g_waiting == 0) {
+        while (g_waiting == 0 && !done) {
             std::this_thread::yield();
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(50));

@@ -82,7 +82,8 @@ std::string Padded(int number, std::size_t width) {
 
 Card::Card() : m_base(MakeBase()), m_root(m_base) {}
 
-Card::Card(std::size_t rootLength) : m_base(MakeBase()), m_root(PathOfLength(m_base, rootLength)) {
+Card::Card(std::size_t rootLength) : Card() { // made whole first, so that a refused length leaves nothing behind
+    m_root = PathOfLength(m_base, rootLength);
     fs::create_directories(m_root);
 }
 

@@ -206,6 +206,20 @@ TEST(CardListing, ListsAgainInTheSameObject) {
     EXPECT_EQ(files[0].szName, DcfName(9));
 }
 
+TEST(CardListing, ReleasesTheOldListingWhenItListsAgain) {
+    Card card;
+    card.AddFiles("100ABCDE", {DcfName(1), DcfName(2), DcfName(3)}).AddFile("101ABCDE", DcfName(9));
+    PCSDCFFSIO listing(card.Path("100ABCDE").c_str(), false);
+    PCSDCFFSIO::PTFile file;
+    ASSERT_EQ(listing.Read(&file), 0);
+    EXPECT_EQ(listing.Open(card.Path("101ABCDE").c_str(), false), 0); // a leak checker would tell
+    EXPECT_EQ(listing.m_nTotal, 1);
+    EXPECT_EQ(ReadAll(listing).size(), 1U);
+    EXPECT_EQ(listing.Open(card.Path("102ABCDE").c_str(), false), 0);
+    EXPECT_EQ(listing.m_ppList, nullptr) << "a listing that fails leaves none of an earlier one";
+    EXPECT_EQ(listing.Read(&file), -1);
+}
+
 #ifdef DCF_TEST_ASAN
 TEST(CardListing, ReleasesEachEntryAsItIsRead) {
     Card card;

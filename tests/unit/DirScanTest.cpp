@@ -86,28 +86,31 @@ TEST(DirScan, MakesItemsOfDcfNames) {
 }
 
 TEST(DirScan, JoinsFilesOfOneNumber) {
-    CheckRows(
-        "100ABCDE", 100,
-        {{{"KVR_0007.JPG", "KVR_0007.SRW"}, {{"KVR_0007.JPG", 7, 0, 1}}, "a raw companion"},
-         {{"KVR_0007.JPG", "KVR_0007.MPO"}, {{"KVR_0007.JPG", 7, 0, 2}}, "a multi-picture companion"},
-         {{"KVR_0007.SRW"}, {{"KVR_0007.SRW", 7, 1}}, "raw alone"},
-         {{"KVR_0007.MPO"}, {{"KVR_0007.MPO", 7, 2}}, "multi-picture alone"},
-         {{"KVR_0007.JPG", "KVR_0007.MP4"}, {{"KVR_0007.JPG", 7, 0}}, "a movie is no companion"},
-         {{"KVR_0007.AVI", "KVR_0007.JPG"}, {{"KVR_0007.AVI", 7, 5}}, "AVI comes first, a JPG is no companion"},
-         {{"KVR_0007.AVI", "KVR_0007.MP4"}, {{"KVR_0007.AVI", 7, 5}}, "AVI comes first"},
-         {{"KVR_0007.MP4", "KVR_0007.MPO"}, {{"KVR_0007.MP4", 7, 3, 2}}, "a movie with a companion"},
-         {{"KVR_0007.MP4", "KVR_0007.SRW"}, {{"KVR_0007.MP4", 7, 3, 1}}, "a movie with a companion"},
-         {{"KVR_0007.MPO", "KVR_0007.SRW"}, {{"KVR_0007.MPO", 7, 2, 1}}, "MPO comes first"},
-         {{"KVR_0007.JPG", "KVR_0007.MPO", "KVR_0007.SRW"}, {{"KVR_0007.JPG", 7, 0, 1}}, "the last companion"},
-         {{"KVR_0007.AVI", "KVR_0007.JPG", "KVR_0007.MP4", "KVR_0007.MPO", "KVR_0007.SRW"},
-          {{"KVR_0007.AVI", 7, 5, 1}},
-          "all five"},
-         {{"AAAA0007.SRW", "ZZZZ0007.JPG"}, {{"ZZZZ0007.JPG", 7, 0, 1}}, "the prefix does not count"},
-         {{"KVR_0007.SRW", "kvr_0007.jpg"}, {{"KVR_0007.SRW", 7, 1}}, "lower case is read later"},
-         {{"KVR_0007.JPG", "KVR_0007.SRW", "KVR_0006.SRW", "KVR_0005.JPG", "KVR_0005.MPO"},
-          {{"KVR_0007.JPG", 7, 0, 1}, {"KVR_0006.SRW", 6, 1}, {"KVR_0005.JPG", 5, 0, 2}},
-          "each companion to its own file"},
-         {{"KVR_0007.JPG", "KVR_0007.MOV", "KVR_0007.SRW"}, {{"KVR_0007.JPG", 7, 0, 1}}, "a refused one between"}});
+    CheckRows("100ABCDE", 100,
+              {{{"KVR_0007.JPG", "KVR_0007.SRW"}, {{"KVR_0007.JPG", 7, 0, 1}}, "a raw companion"},
+               {{"KVR_0007.JPG", "KVR_0007.MPO"}, {{"KVR_0007.JPG", 7, 0, 2}}, "a multi-picture companion"},
+               {{"KVR_0007.SRW"}, {{"KVR_0007.SRW", 7, 1}}, "raw alone"},
+               {{"KVR_0007.MPO"}, {{"KVR_0007.MPO", 7, 2}}, "multi-picture alone"},
+               {{"KVR_0007.JPG", "KVR_0007.MP4"}, {{"KVR_0007.JPG", 7, 0}}, "a movie is no companion"},
+               {{"KVR_0007.AVI", "KVR_0007.JPG"}, {{"KVR_0007.AVI", 7, 5}}, "AVI comes first, a JPG is no companion"},
+               {{"KVR_0007.AVI", "KVR_0007.MP4"}, {{"KVR_0007.AVI", 7, 5}}, "AVI comes first"},
+               {{"KVR_0007.MP4", "KVR_0007.MPO"}, {{"KVR_0007.MP4", 7, 3, 2}}, "a movie with a companion"},
+               {{"KVR_0007.MP4", "KVR_0007.SRW"}, {{"KVR_0007.MP4", 7, 3, 1}}, "a movie with a companion"},
+               {{"KVR_0007.MPO", "KVR_0007.SRW"}, {{"KVR_0007.MPO", 7, 2, 1}}, "MPO comes first"},
+               {{"KVR_0007.JPG", "KVR_0007.MPO", "KVR_0007.SRW"}, {{"KVR_0007.JPG", 7, 0, 1}}, "the last companion"},
+               {{"KVR_0007.AVI", "KVR_0007.JPG", "KVR_0007.MP4", "KVR_0007.MPO", "KVR_0007.SRW"},
+                {{"KVR_0007.AVI", 7, 5, 1}},
+                "all five"},
+               {{"AAAA0007.SRW", "ZZZZ0007.JPG"}, {{"ZZZZ0007.JPG", 7, 0, 1}}, "the prefix does not count"},
+               {{"KVR_0007.SRW", "kvr_0007.jpg"}, {{"KVR_0007.SRW", 7, 1}}, "lower case is read later"},
+               {{"KVR_0007.JPG", "KVR_0007.SRW", "KVR_0006.SRW", "KVR_0005.JPG", "KVR_0005.MPO"},
+                {{"KVR_0007.JPG", 7, 0, 1}, {"KVR_0006.SRW", 6, 1}, {"KVR_0005.JPG", 5, 0, 2}},
+                "each companion to its own file"},
+               {{"KVR_0007.JPG", "KVR_0007.MOV", "KVR_0007.SRW"}, {{"KVR_0007.JPG", 7, 0, 1}}, "a refused one between"},
+               {{"KVR_0007.AAA", "KVR_0007.JPG"}, {{"KVR_0007.JPG", 7, 0}}, "a refused one before leaves no number"},
+               {{"KVR_0008.JPG", "KVR_0007.AAA", "KVR_0007.SRW"},
+                {{"KVR_0008.JPG", 8, 0}, {"KVR_0007.SRW", 7, 1}},
+                "a refused one before is no file to join"}});
 }
 
 TEST(DirScan, OfTwoFilesThatAgreeInNumberAndExtensionListsOne) {
@@ -156,6 +159,9 @@ TEST(DirScan, MakesItemsOfCameraNames) {
                {{"20230131_000007.JPG", "20240131_000007.SRW"},
                 {{"20230131_000007.JPG", 7, 0, 1}},
                 "a companion by number alone"},
+               {{"20230131_000007.JPG", "20230131_000008.MP4", "20240131_000007.SRW"},
+                {{"20230131_000007.JPG", 7, 0, 1}},
+                "a refused one between does not part them"},
                {{"20240131_1234567JPG"}, {{"20240131_1234567JPG", 123456, 0}}, "no dot needed"}});
 }
 

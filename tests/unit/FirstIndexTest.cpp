@@ -1,6 +1,7 @@
 // The first index (the number index of the newest file) and the series value that carries it from card to card.
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -137,6 +138,8 @@ TEST_F(SeriesTest, RaisesTheFirstIndexButNeverLowersIt) {
         {10500017, kLast - 1, kLast - 1, "one before the end of the series"},
         {10500017, kLast + 1, kLast + 1, "beyond the end it is a value like any other"},
         {kLast, kLast - 1, kLast, "a full card"},
+        {10500017, std::numeric_limits<long>::max(), 2147483647, "a damaged store: no wrap-around"},
+        {10500017, std::numeric_limits<long>::min(), 10500017, "a damaged store: no wrap-around"},
     };
     for (const auto& row : rows) {
         m_platform.Reset();

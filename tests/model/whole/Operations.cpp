@@ -1,6 +1,7 @@
 #include "Operations.h"
 
 #include <algorithm>
+#include <limits>
 #include <numeric>
 
 #include "RandomCard.h"
@@ -52,6 +53,9 @@ public:
         const int count = list().FilesInTree();
         if (count > 0 && m_dice.Chance(93)) {
             return m_dice.Pick(0, count - 1);
+        }
+        if (m_dice.Chance(5)) {
+            return m_dice.Chance(50) ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
         }
         return m_dice.Chance(50) ? m_dice.Pick(-3, -1) : count + m_dice.Pick(0, 3);
     }

@@ -76,18 +76,24 @@ std::string RandomFolderName(Dice& dice) {
     return std::to_string(number) + dice.Of<std::string>({"PHOTO", "PHOTO", "PHOTO", "ABCDE", "_1224", "photo"});
 }
 
+// One draw per statement: in one expression the order would be the compiler's, and a seed would not mean the same card.
 std::string RandomFileName(Dice& dice, const std::string& folder) {
     std::string name;
     if (folder == "Camera") {
-        name = "2024013" + std::to_string(dice.Pick(0, 1)) + "_" + Number(dice.Pick(0, 5), 6);
+        name = "2024013";
+        name += std::to_string(dice.Pick(0, 1));
+        name += "_";
+        name += Number(dice.Pick(0, 5), 6);
         if (dice.Chance(5)) {
             name[dice.Chance(50) ? 9 : 14] = 'X';
         }
-        name += "." + dice.Of<std::string>({"JPG", "JPG", "JPG", "SRW", "MPO", "MP4"});
+        name += ".";
+        name += dice.Of<std::string>({"JPG", "JPG", "JPG", "SRW", "MPO", "MP4"});
     } else {
-        const int number = dice.Chance(8) ? dice.Of<int>({0, 9998, 9999}) : dice.Pick(1, 9);
-        name = dice.Of<std::string>({"KVR_", "KVR_", "KVR_", "_KVR", "1224", "AB-D"}) + Number(number, 4) + "." +
-               dice.Of<std::string>({"JPG", "JPG", "JPG", "JPG", "SRW", "MPO", "MP4", "AVI", "MOV"});
+        name = dice.Of<std::string>({"KVR_", "KVR_", "KVR_", "_KVR", "1224", "AB-D"});
+        name += Number(dice.Chance(8) ? dice.Of<int>({0, 9998, 9999}) : dice.Pick(1, 9), 4);
+        name += ".";
+        name += dice.Of<std::string>({"JPG", "JPG", "JPG", "JPG", "SRW", "MPO", "MP4", "AVI", "MOV"});
     }
     return dice.Chance(4) ? Lower(name) : name;
 }

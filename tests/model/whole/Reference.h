@@ -235,7 +235,7 @@ private:
     int NewFileIndex(const std::string& suffix);
     void ReorderDirNames();
 
-    // Reference.cpp: the file list's own.
+    // Reference.cpp and ReferenceBatch.cpp: the file list's own.
     void Log(const std::string& function, const std::string& message);
     void LogPaths(const std::string& function, const CSFileListItem& item, const std::string& end);
     void NeedItem(const CSFileListItem* item, const std::string& signature) const;

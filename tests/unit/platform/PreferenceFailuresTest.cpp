@@ -249,23 +249,25 @@ TEST_F(PreferenceFailures, TheLineIsOneLineWhateverThePathHolds) {
 
 // No access.
 
-// Root may do everything: the piece runs as nobody, for whom the folder is opened.
-Ending RunAsOrdinaryUser(const TempFolder& folder, const std::function<void()>& piece) {
+// Runs the piece where nobody may make anything in the folder. Root may do everything, so it becomes nobody.
+Ending RunWithoutWriting(const TempFolder& folder, const std::function<void()>& piece) {
     constexpr uid_t kNobody = 65534;
-    return RunInChild([&] {
+    EXPECT_EQ(::chmod(folder.Path().c_str(), 0555), 0);
+    Ending ending = RunInChild([&] {
         if (::geteuid() == 0) {
-            EXPECT_EQ(::chmod(folder.Path().c_str(), 0755), 0);
             EXPECT_EQ(::setgid(kNobody), 0);
             EXPECT_EQ(::setuid(kNobody), 0);
         }
         piece();
     });
+    EXPECT_EQ(::chmod(folder.Path().c_str(), 0755), 0);
+    return ending;
 }
 
 TEST_F(PreferenceFailures, AStoreThatMayNotBeReadGivesNothing) {
     (void)SoundStore();
     ASSERT_EQ(::chmod(m_store.c_str(), 0), 0);
-    const Ending ending = RunAsOrdinaryUser(m_folder, [] {
+    const Ending ending = RunWithoutWriting(m_folder, [] {
         EXPECT_EQ(pref_get_long(kGroup, kKey), 0);
         EXPECT_EQ(pref_set_long(kGroup, kKey, 1), -1);
     });
@@ -278,7 +280,7 @@ TEST_F(PreferenceFailures, AStoreThatMayNotBeReadGivesNothing) {
 TEST_F(PreferenceFailures, AStoreThatMayNotBeWrittenIsStillRead) {
     const std::string before = SoundStore();
     ASSERT_EQ(::chmod(m_store.c_str(), 0444), 0);
-    const Ending ending = RunAsOrdinaryUser(m_folder, [] {
+    const Ending ending = RunWithoutWriting(m_folder, [] {
         EXPECT_EQ(pref_get_long(kGroup, kKey), 4711);
         EXPECT_EQ(pref_set_long(kGroup, kKey, 1), -1);
     });
@@ -297,14 +299,7 @@ TEST_F(PreferenceFailures, AFolderThatMayNotBeMadeIsNamed) {
 
     const std::string hidden = m_folder / "folder/store";
     SetVariable("DCF_PREFERENCES", hidden.c_str());
-    const Ending denied = RunAsOrdinaryUser(m_folder, [] {
-        if (::getuid() != 65534) {
-            EXPECT_EQ(
-                ::chmod(std::filesystem::path(::getenv("DCF_PREFERENCES")).parent_path().parent_path().c_str(), 0555),
-                0);
-        }
-        EXPECT_EQ(pref_set_long(kGroup, kKey, 1), -1);
-    });
+    const Ending denied = RunWithoutWriting(m_folder, [] { EXPECT_EQ(pref_set_long(kGroup, kKey, 1), -1); });
     EXPECT_THAT(LinesOf(denied.err), ElementsAre(Complaint("written to", hidden,
                                                            "its folder \"" + (m_folder / "folder") +
                                                                "\" cannot be made: Permission denied")));
