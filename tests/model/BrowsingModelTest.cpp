@@ -4,110 +4,26 @@
 //
 // A failure names its seed and step. Environment:
 //   DCF_TEST_SEED   the first card's seed (default 1)
-//   DCF_TEST_CARDS  how many cards, each with the next seed (default 80, or 1 where a seed is given)
+//   DCF_TEST_CARDS  how many cards, each with the next seed (default 40, or 1 where a seed is given)
 //   DCF_TEST_STEPS  operations per card (default 150)
 #include <sys/stat.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <functional>
 #include <iterator>
 #include <memory>
+#include <utility>
 
 #include "AssertionDeath.h"
 #include "CSDCFList.h"
 #include "CSFileList.h"
+#include "Collector.h"
 #include "FakePlatform.h"
 #include "ReferenceList.h"
+#include "Seen.h"
 
 namespace dcftest {
 namespace {
-
-// ---- The collector, the same for both lists ----
-
-enum class Answer { always, never, byName };
-
-Answer g_answer = Answer::always;
-std::vector<std::string> g_asked;
-
-/// What the collector tells about a path: some numbers made of its name.
-std::optional<PhotoInfo> Describe(const std::string& path) {
-    std::uint32_t hash = 2166136261U;
-    for (const char c : path.substr(path.rfind('/'))) {
-        hash = (hash ^ static_cast<unsigned char>(c)) * 16777619U;
-    }
-    if (g_answer == Answer::never || (g_answer == Answer::byName && hash % 2 == 0)) {
-        return std::nullopt;
-    }
-    std::mt19937 numbers(hash);
-    PhotoInfo info = {};
-    info.attributeByte1 = static_cast<std::uint8_t>(numbers());
-    info.attributeByte2 = static_cast<std::uint8_t>(numbers());
-    info.attributeWord = static_cast<std::uint32_t>(numbers());
-    info.attributeFlag = static_cast<std::uint8_t>(numbers());
-    for (std::int32_t& word : info.attributeWords) {
-        word = static_cast<std::int32_t>(numbers());
-    }
-    const std::size_t length = numbers() % (sizeof info.date + 1);
-    std::memset(info.date, 'd', length);
-    for (std::int32_t& word : info.trailingWords) {
-        word = static_cast<std::int32_t>(numbers());
-    }
-    return info;
-}
-
-int Collect(char* path, PhotoInfo* info) {
-    g_asked.emplace_back(path);
-    const std::optional<PhotoInfo> told = Describe(path);
-    *info = told.value_or(PhotoInfo{});
-    return told ? 0 : -1;
-}
-
-// ---- What the library shows, in the reference's terms ----
-
-std::string Text(const char* field, std::size_t size) {
-    return {field, strnlen(field, size)};
-}
-
-ReferenceItem Seen(const CSFileListItem& item) {
-    ReferenceItem seen;
-    seen.path = Text(item.m_strURI, sizeof item.m_strURI);
-    seen.object = Text(item.m_strObject, sizeof item.m_strObject);
-    seen.type = item.m_eFileType;
-    seen.objectType = item.m_eObjectType;
-    seen.isProtected = item.m_bProtect;
-    seen.wifi = item.m_bWifi;
-    seen.dirNumber = item.m_nDirNum;
-    seen.fileNumber = item.m_nFileNum;
-    seen.time = item.m_nFileTime;
-    seen.metaFlag = item.m_nMetaFlag;
-    seen.metaFlag2 = item.m_nMetaFlag2;
-    seen.metaWord = item.m_nMetaWord;
-    seen.metaByte = item.m_nMetaByte;
-    seen.quad1 = item.m_nMetaQuad1;
-    seen.quad2 = item.m_nMetaQuad2;
-    seen.text = Text(item.m_szMetaText, sizeof item.m_szMetaText);
-    seen.words.assign(std::begin(item.m_aMeta), std::end(item.m_aMeta));
-    return seen;
-}
-
-ReferenceState Seen(const CSFileList& list) {
-    ReferenceState seen = {{}, "", list.m_nCurGetAtIdx, list.m_nList, 0, list.m_bSeriesMode};
-    std::optional<bool> isProtected;
-    std::string name;
-    bool metadata = false;
-    if (CSDCFList* const tree = list.m_pDCF) {
-        seen.cursor = {tree->m_nCurDnum, tree->m_nCurFnum, tree->m_nCurDidx, tree->m_CurFileIndex,
-                       tree->m_nCurListIndex};
-        seen.firstIndex = tree->m_nFirstIndex;
-        DCFItem& file = tree->m_CurItem;
-        isProtected = file.m_bProtectKnown ? std::optional(file.m_bProtect) : std::nullopt;
-        name = file.getFileName();
-        metadata = file.getMetadata();
-    }
-    seen.cursorFile = DescribeCursorFile(name, isProtected, metadata);
-    return seen;
-}
 
 // ---- One card ----
 
@@ -124,21 +40,11 @@ std::unique_ptr<Card> MakeCard(Random& random) {
                              : std::make_unique<Card>();
 }
 
-/// Without times behind the names of the entries there is nothing to expect of them.
-CardPlan MadePlan(Random& random) {
-    CardPlan plan = MakePlan(random);
-#ifndef DCF_TEST_FILE_TIMES
-    for (PlannedDirectory& directory : plan) {
-        directory.files.clear();
-    }
-#endif
-    return plan;
-}
-
-class Session {
+class Comparison {
 public:
-    explicit Session(std::uint32_t seed)
-        : m_random(seed), m_card(MakeCard(m_random)), m_plan(MadePlan(m_random)), m_reference(m_card->Root(), m_plan) {
+    explicit Comparison(std::uint32_t seed)
+        : m_random(seed), m_card(MakeCard(m_random)), m_plan(MakePlan(m_random)),
+          m_reference(m_card->Root(), Comparable(m_plan)) {
         WriteCard(*m_card, m_plan);
         FakePlatform::Get().Reset();
         FakePlatform::Get().SetPreference(kSeriesGroup, kSeriesKey, 0);
@@ -183,7 +89,7 @@ private:
     Tally m_tally;
 };
 
-void Session::Do(const std::string& what, const Expected& expected, const Actual& actual) {
+void Comparison::Do(const std::string& what, const Expected& expected, const Actual& actual) {
     m_done.push_back(what);
     m_reference.log.clear();
     m_reference.tree.collected.clear();
@@ -206,7 +112,7 @@ void Session::Do(const std::string& what, const Expected& expected, const Actual
     m_tally.collected += static_cast<int>(g_asked.size());
 }
 
-void Session::Die(const Fatal& fatal, const Actual& actual) {
+void Comparison::Die(const Fatal& fatal, const Actual& actual) {
     const Ending ending = RunInChild([&] { (void)actual(); });
     EXPECT_TRUE(DiesByAssertion(ending, {fatal.condition, fatal.info, fatal.file, fatal.signature}));
     std::vector<std::string> log;
@@ -218,7 +124,7 @@ void Session::Die(const Fatal& fatal, const Actual& actual) {
     ++m_tally.deaths;
 }
 
-void Session::Compare() {
+void Comparison::Compare() {
     EXPECT_EQ(Seen(m_item), m_expectedItem);
     EXPECT_EQ(Seen(m_list), m_reference.State());
     EXPECT_EQ(g_asked, m_reference.tree.collected);
@@ -228,7 +134,7 @@ void Session::Compare() {
 
 // ---- The operations ----
 
-void Session::Move() {
+void Comparison::Move() {
     using Operation = int (CSFileList::*)(CSFileListItem*);
     using Reference = int (ReferenceList::*)(ReferenceItem*);
     struct Row {
@@ -252,12 +158,12 @@ void Session::Move() {
     ++m_tally.moves;
 }
 
-int Session::AnyPosition() {
+int Comparison::AnyPosition() {
     const int count = m_reference.tree.Count();
     return m_random.Chance(92) && count > 0 ? m_random.Below(count) : m_random.Below(count + 4) - 2;
 }
 
-void Session::ReadPosition() {
+void Comparison::ReadPosition() {
     const int position = AnyPosition();
     const std::string at = " " + std::to_string(position);
     const bool null = m_random.Chance(3);
@@ -281,7 +187,7 @@ void Session::ReadPosition() {
     }
 }
 
-std::string Session::AnyPath() {
+std::string Comparison::AnyPath() {
     std::vector<std::string> paths = m_reference.tree.Paths();
     if (paths.empty()) {
         paths.push_back(m_card->Path("100ABCDE", "KVR_0001.JPG"));
@@ -308,7 +214,7 @@ std::string Session::AnyPath() {
     }
 }
 
-void Session::ReadPath() {
+void Comparison::ReadPath() {
     const std::string path = AnyPath();
     std::string given = path;
     switch (m_random.Below(5)) {
@@ -341,7 +247,7 @@ void Session::ReadPath() {
     }
 }
 
-void Session::Ask() {
+void Comparison::Ask() {
     const int type = m_random.Below(8) - 1;
     const bool ignoreSeries = m_random.Chance(50);
     switch (m_random.Below(6)) {
@@ -375,12 +281,12 @@ void Session::Ask() {
     }
 }
 
-void Session::Register(bool on) {
+void Comparison::Register(bool on) {
     m_reference.tree.collector = on ? ReferenceTree::Collector(Describe) : nullptr;
     EXPECT_EQ(m_list.RegisterPhotoMetadataCB(on ? Collect : nullptr), 1);
 }
 
-void Session::Settings() {
+void Comparison::Settings() {
     const bool on = m_random.Chance(50);
     switch (m_random.Below(3)) {
     case 0:
@@ -399,7 +305,7 @@ void Session::Settings() {
     }
 }
 
-void Session::ChangeMarks() {
+void Comparison::ChangeMarks() {
     auto& modes = m_reference.tree.modes;
     if (!modes.empty()) {
         const auto file = std::next(modes.begin(), m_random.Below(static_cast<int>(modes.size())));
@@ -425,7 +331,7 @@ void Session::ChangeMarks() {
 }
 
 /// A file or a whole directory goes out of the tree, so that the cursor may point at nothing.
-void Session::TakeOut() {
+void Comparison::TakeOut() {
     auto& directories = m_reference.tree.directories;
     if (directories.empty()) {
         return;
@@ -456,7 +362,7 @@ void Session::TakeOut() {
     }
 }
 
-void Session::ListAgain() {
+void Comparison::ListAgain() {
     if (m_random.Chance(70)) {
         delete std::exchange(m_list.m_pDCF, nullptr);
         m_reference.DropTree();
@@ -468,7 +374,7 @@ void Session::ListAgain() {
     m_tally.files += m_reference.tree.Count();
 }
 
-void Session::Step() {
+void Comparison::Step() {
     const int what = m_random.Below(100);
     if (!m_reference.HasTree() && what < 20) {
         ListAgain();
@@ -491,7 +397,7 @@ void Session::Step() {
     }
 }
 
-void Session::Run(std::uint32_t seed, int steps) {
+void Comparison::Run(std::uint32_t seed, int steps) {
     for (int step = 1; step <= steps && !testing::Test::HasFailure(); ++step) {
         if (step == 3) {
             ListAgain(); // the steps before it have no tree
@@ -517,19 +423,19 @@ int FromEnvironment(const char* name, int otherwise) {
 TEST(BrowsingModel, TheFileListBehavesAsTheReferenceOnRandomCards) {
     const bool chosen = std::getenv("DCF_TEST_SEED") != nullptr;
     const int seed = FromEnvironment("DCF_TEST_SEED", 1);
-    const int cards = FromEnvironment("DCF_TEST_CARDS", chosen ? 1 : 80);
+    const int cards = FromEnvironment("DCF_TEST_CARDS", chosen ? 1 : 40);
     const int steps = FromEnvironment("DCF_TEST_STEPS", 150);
     ASSERT_GT(cards, 0);
     ASSERT_GT(steps, 0);
     Tally all;
     for (int card = 0; card < cards && !HasFailure(); ++card) {
         const auto cardSeed = static_cast<std::uint32_t>(seed + card);
-        Session session(cardSeed);
-        session.Run(cardSeed, steps);
-        all.files += session.Counts().files;
-        all.moves += session.Counts().moves;
-        all.deaths += session.Counts().deaths;
-        all.collected += session.Counts().collected;
+        Comparison comparison(cardSeed);
+        comparison.Run(cardSeed, steps);
+        all.files += comparison.Counts().files;
+        all.moves += comparison.Counts().moves;
+        all.deaths += comparison.Counts().deaths;
+        all.collected += comparison.Counts().collected;
     }
     RecordProperty("files", all.files);
     RecordProperty("moves", all.moves);
