@@ -149,10 +149,9 @@ int CSDCFDir::GetFidx(int fnum) {
     if (m_bDescending) {
         it = std::lower_bound(m_itemGroup.begin(), m_itemGroup.end(), fnum,
                               [](const DCFItem& item, int number) { return item.m_nFileNum > number; });
-        if (it != m_itemGroup.end() && it->m_nFileNum != fnum) {
-            it = m_itemGroup.end();
-        }
-    } else {
+    }
+    // The walk from the front is the rule; the search only spares it where the order allows.
+    if (it == m_itemGroup.end() || it->m_nFileNum != fnum) {
         it = std::find_if(m_itemGroup.begin(), m_itemGroup.end(),
                           [fnum](const DCFItem& item) { return item.m_nFileNum == fnum; });
     }

@@ -33,8 +33,6 @@ pthread_mutex_t s_listMutex = PTHREAD_MUTEX_INITIALIZER;
 constexpr int kNoNumber = -1;
 constexpr int kNoPosition = -1;
 
-constexpr std::size_t kMaxRootLength = 97;
-
 // The device property that every new tree announces.
 constexpr int kListProperty = 17;
 constexpr int kListPropertyValue = 8;
@@ -123,7 +121,7 @@ CSDCFList::~CSDCFList() {
 }
 
 int CSDCFList::SetBaseURI(const char* uri) {
-    if (uri == nullptr || std::strlen(uri) > kMaxRootLength) {
+    if (uri == nullptr || std::strlen(uri) > kelp::kMaxRootLength) {
         return kelp::kFailure;
     }
     kelp::CopyText(m_szBaseURI, uri);
@@ -479,8 +477,8 @@ int CSDCFList::FindFilledBackward(int didx) {
 /// Converts the item at a position and makes it the cursor. The cursor takes up the copy that was converted.
 int CSDCFList::MoveTo(int didx, int fidx, CSFileListItem* pItem) {
     DCFItem item = Dir(didx).GetItem(fidx);
-    ConvertFileItem(item, pItem, didx);
     m_CurFileIndex = fidx;
+    ConvertFileItem(item, pItem, didx);
     SetCurItem(Dir(didx).GetDnum(), item.getFileNum(), didx, item);
     return kelp::kSuccess;
 }

@@ -24,7 +24,6 @@ constexpr const char* kDefaultRoot = "/mnt/mmc";
 constexpr char kFixedFolderSuffix[] = "PHOTO";
 constexpr const char* kStandardPrefix = "KVR_";
 constexpr const char* kOptionalPrefix = "_KVR";
-constexpr std::size_t kMaxRootLength = 97;
 constexpr std::size_t kMaxPrefixLength = 8;
 constexpr int kUnknown = -1;
 constexpr int kRenumbered = 1;
@@ -88,7 +87,7 @@ CSFileList::~CSFileList() {
 
 int CSFileList::SetBaseURI(const char* uri) {
     KELP_LOG("start");
-    if (uri == nullptr || std::strlen(uri) > kMaxRootLength) {
+    if (uri == nullptr || std::strlen(uri) > kelp::kMaxRootLength) {
         return kelp::kFailure;
     }
     kelp::CopyText(m_szBaseURI, uri);
@@ -314,11 +313,10 @@ bool CSFileList::IsSel(int nIdx) {
 
 void CSFileList::SetSel(int nIdx, bool on) {
     KELP_LOG("start");
-    const auto found = std::find(m_vecSel.begin(), m_vecSel.end(), nIdx);
-    if (on && found == m_vecSel.end()) {
+    if (!on) {
+        std::erase(m_vecSel, nIdx);
+    } else if (std::find(m_vecSel.begin(), m_vecSel.end(), nIdx) == m_vecSel.end()) {
         m_vecSel.push_back(nIdx);
-    } else if (!on && found != m_vecSel.end()) {
-        m_vecSel.erase(found); // each position stands in it at most once
     }
 }
 
@@ -503,6 +501,7 @@ char* CSFileList::MakeFilePrefix(bool stereoscopic) {
     }
     const kelp::LocalDate date = kelp::ReadLocalDate();
     if (m_eColorMode == FILE_LIST_COLOR_MODE_OPTIONAL && !stereoscopic) {
+        // One character for the month: 1 to 9, then A to C, as hexadecimal digits happen to be.
         kelp::Compose(m_szDatePrefix, sizeof m_szDatePrefix, "_%X%02u", unsigned{date.month}, unsigned{date.day});
     } else {
         kelp::Compose(m_szDatePrefix, sizeof m_szDatePrefix, "%02u%02u", unsigned{date.month}, unsigned{date.day});

@@ -12,6 +12,8 @@ namespace kelp {
 
 constexpr const char* kDcimName = "DCIM";
 
+constexpr std::size_t kMaxRootLength = 97;
+
 // Directories.
 constexpr const char* kCameraName = "Camera";
 constexpr int kCameraDirNumber = 99;

@@ -10,7 +10,7 @@
 
 namespace kelp {
 
-/// The times of a listing's entries in their order; empty when they cannot be had.
+/// The times of a listing's entries in their order, 0 for one that cannot be had.
 std::vector<std::uint32_t> ReadEntryTimes(const char* folder, dirent* const* entries, int count);
 
 } // namespace kelp

@@ -26,6 +26,16 @@ bool HasLength(const dirent& entry, std::size_t length) {
     return strnlen(entry.d_name, length + 1) == length;
 }
 
+/// The order of a listing of "DCIM": the eight-character names from the highest down, "Camera" behind them all. Pair by
+/// pair this is CompareDirEntries, but for names that sort behind "Camera" (a folder "Pictures"): with those the pairs
+/// alone run in a circle, and a sort by them may leave a lower directory in front of a higher one.
+int OrderDirEntries(const dirent** a, const dirent** b) {
+    const bool cameraA = std::strcmp((*a)->d_name, kelp::kCameraName) == 0;
+    const bool cameraB = std::strcmp((*b)->d_name, kelp::kCameraName) == 0;
+    return cameraA || cameraB ? static_cast<int>(cameraA) - static_cast<int>(cameraB)
+                              : PCSDCFFSIO::CompareDirEntries(a, b);
+}
+
 } // namespace
 
 // A listing.
@@ -42,7 +52,7 @@ PCSDCFFSIO::~PCSDCFFSIO() {
 int PCSDCFFSIO::Open(const char* path, bool dirMode) {
     Close();
     if (dirMode) {
-        m_nTotal = scandir(path, &m_ppList, FilterDirEntry, CompareDirEntries);
+        m_nTotal = scandir(path, &m_ppList, FilterDirEntry, OrderDirEntries);
     } else {
         const bool camera = std::strstr(path, kelp::kCameraName) != nullptr;
         m_nTotal = scandir(path, &m_ppList, camera ? FilterCameraFileEntry : FilterDcfFileEntry, CompareFileEntries);

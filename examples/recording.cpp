@@ -66,8 +66,11 @@ int Record(ISFileList* list) {
         return 1;
     }
     if (!WritePicture(path)) {
-        std::fprintf(stderr, "%s: %s\n", path, std::strerror(errno));
-        TakeBack(list);
+        const int error = errno;
+        std::fprintf(stderr, "%s: %s\n", path, std::strerror(error));
+        if (error != EEXIST) { // somebody else's picture stays
+            TakeBack(list);
+        }
         return 1;
     }
     std::printf("%s\n", path);

@@ -29,19 +29,19 @@ public:
     bool m_bProtect;                              ///< The file is write-protected on the card.
     bool m_bWifi;                                 ///< The file carries the Wi-Fi transfer mark.
     std::int32_t m_nDirNum;                       ///< DCF directory number, 100 to 999; 99 for "Camera".
-    std::int32_t m_nFileNum;                      ///< DCF file number, 0 to 9999; up to six digits in "Camera".
-    std::int32_t m_nMetaQuad1;                    ///< PhotoInfo::attributeWords[1].
-    std::int32_t m_nMetaQuad2;                    ///< PhotoInfo::attributeWords[2].
-    std::uint8_t m_aReserved1[36];                ///< Zero; never filled.
-    char m_szMetaText[20];                        ///< PhotoInfo::date, bounded to 20 bytes; without a terminator
-                                                  ///< when the collector's text fills all of them.
-    std::uint8_t m_nMetaFlag2;                    ///< PhotoInfo::attributeByte2.
-    std::uint32_t m_nMetaWord;                    ///< PhotoInfo::attributeWord.
-    std::uint8_t m_nMetaByte;                     ///< PhotoInfo::attributeFlag.
-    std::int32_t m_aMeta[19];                     ///< attributeWords[0] and [3], then trailingWords in their order but
-                                                  ///< for the eighth, which follows the eleventh.
-    std::uint8_t m_aReserved2[24];                ///< Zero; never filled.
-    std::uint32_t m_nFileTime;                    ///< Modification time of the file in seconds, 0 when unknown.
+    std::int32_t m_nFileNum;       ///< DCF file number, 0 to 9999; in "Camera" six characters, of any sign.
+    std::int32_t m_nMetaQuad1;     ///< PhotoInfo::attributeWords[1].
+    std::int32_t m_nMetaQuad2;     ///< PhotoInfo::attributeWords[2].
+    std::uint8_t m_aReserved1[36]; ///< Zero; never filled.
+    char m_szMetaText[20];         ///< PhotoInfo::date, bounded to 20 bytes; without a terminator
+                                   ///< when the collector's text fills all of them.
+    std::uint8_t m_nMetaFlag2;     ///< PhotoInfo::attributeByte2.
+    std::uint32_t m_nMetaWord;     ///< PhotoInfo::attributeWord.
+    std::uint8_t m_nMetaByte;      ///< PhotoInfo::attributeFlag.
+    std::int32_t m_aMeta[19];      ///< attributeWords[0] and [3], then trailingWords in their order but
+                                   ///< for the eighth, which follows the eleventh.
+    std::uint8_t m_aReserved2[24]; ///< Zero; never filled.
+    std::uint32_t m_nFileTime;     ///< Modification time of the file in seconds, 0 when unknown.
 };
 
 #endif

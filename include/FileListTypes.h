@@ -1,6 +1,6 @@
 /// @file
 /// The enumerations and limits that the file list shares with its clients.
-/// Included by every other public header; plain values, usable from any thread.
+/// Plain values, usable from any thread.
 #ifndef FILE_LIST_TYPES_H
 #define FILE_LIST_TYPES_H
 

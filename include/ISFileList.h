@@ -10,6 +10,10 @@
 /// - *cursor*: the file that browsing stands on.
 /// - *path*: full path of a file as an item carries it: storage root, "/DCIM/", directory, "/", file name.
 /// - *fatal*: a programming error. Two lines go to the log and to standard output, then the process aborts.
+/// - *look-up*: finding a listed file again by the two numbers in its path. On a card where two directories, or two
+///   files of "Camera", share a number, and with paths that were cut, this may meet another file or be fatal
+///   ("cannot find dir index = %d", "cannot found fnum = %d"). Every operation that fills an item with its metadata
+///   makes it (GetAtSimply() does not), Listup() for the first file too.
 /// - *controlling thread*: the list takes no lock that would make it safe for concurrent change. All operations
 ///   belong to one thread at a time, the controlling thread. The one exception is GetAvailNumOfPhoto(), which
 ///   another thread may call while the controlling thread is inside Listup().
@@ -55,18 +59,25 @@ public:
     /// @param item a filled item; its m_strURI and m_bProtect are used.
     /// @return 0; -1 when the item is protected, and nothing changes. A file that cannot be removed from the card
     ///         is taken out of the list all the same.
-    /// Fatal for a null item ("now pItem == NULL(%d) !!!"), without a list ("now m_pDCF is NULL") and for a path
+    /// The cursor is not moved: it may then stand on the file that moved up, or on none.
+    /// Fatal for a null item ("now pItem == NULL(%d) !!!"), before Listup() ("now m_pDCF is NULL") and for a path
     /// that the list does not hold.
     virtual int Delete(CSFileListItem* item) = 0;
 
     /// Deletes the selected files but for the protected ones, moves the cursor to the position before the first
-    /// selected one and empties the selection. A directory emptied by it makes the walk pass over the directory
-    /// that follows: select within one directory at a time.
+    /// selected one and empties the selection.
+    ///
+    /// A directory with files in the list that holds nothing more on the card leaves the list during the walk (emptied
+    /// by this call or by somebody else before it, or one that cannot be opened). The directory behind it is then
+    /// passed over, and positions meant for it delete the files at those positions of the directory after that. Select
+    /// within one directory at a time, the last one first, or use Delete(), where every file has to be the right one.
     /// @return 0. With an empty selection it throws std::out_of_range.
+    /// Fatal before Listup() ("now m_pDCF is NULL") and when the first selected position lies beyond the list
+    /// afterwards ("invalid").
     virtual int DeleteSel() = 0;
 
     /// Deletes all files, protected ones included, and lists the card again. Empties the selection.
-    /// @return 0.
+    /// @return 0. Fatal before Listup(): "now m_pDCF is NULL".
     virtual int DeleteAll() = 0;
 
     /// @return the number of files in the list.
@@ -93,7 +104,9 @@ public:
 
     /// Fills an item for the file at the cursor.
     /// @return 0; -1 with an empty list.
-    /// Fatal for a null item and when the cursor's file is gone ("GetCur must success").
+    /// Fatal for a null item ("now pItem == NULL(%d) !!!"), when the cursor stands on file number 0 outside "Camera"
+    /// ("need to setting cur file"), when its directory is gone ("GetCur must success"), and when its position is
+    /// ("vector index overflow = %d"). After a deletion it gives the file that moved up to the cursor's position.
     virtual int GetCurrent(CSFileListItem* item) = 0;
 
     /// Moves the cursor to the first file and fills the item.
@@ -107,7 +120,9 @@ public:
     virtual int GetNext(CSFileListItem* item) = 0;
 
     /// Moves the cursor to the previous file and fills the item.
-    /// @return as GetNext(), with the start of the list for its end.
+    /// @return as GetNext(), with the start of the list for its end. Fatal as GetNext(), and when deletions left the
+    /// cursor
+    ///         beyond its directory ("vector index overflow = %d").
     virtual int GetPrev(CSFileListItem* item) = 0;
 
     /// Moves the cursor to the last file and fills the item.
@@ -132,18 +147,26 @@ public:
     virtual void SetImageType(eFileListImageType type) = 0;
 
     /// Takes the next file number, makes a directory for it where one is needed, enters the file into the list and
-    /// hands out the path under which the client is to write it. The cursor moves to it.
+    /// hands out the path under which the client is to write it. The file stands in the list before it is on the card:
+    /// a client that cannot write it takes it back with GetCurrent() and Delete(). The cursor moves to it; the series
+    /// value is stored, in series mode or not. A directory that cannot be made shows as "make directory fail" on
+    /// standard output and is no error here. Files in a new directory read as unprotected until they are protected
+    /// through the list or the card is listed again.
     /// @param out receives the path; 396 bytes.
     /// @param type an eFileType value with an extension.
-    /// @return 0; -1 before Listup(), when the numbers are used up or the list holds more than 99,999 files, and for
-    ///         a type without an extension.
+    /// @return 0; -1 before Listup(), for a null out, when the numbers are used up or the list holds more than 99,999
+    ///         files, for a type without an extension, and when the directory is on the card but the list holds none.
+    /// Fatal unless the file prefix has four characters ("more than dcf filename length = %d"); the number and its
+    /// directory are then taken already.
     virtual int GetNewFileName(char* out, int type) = 0;
 
     /// Gives the path of the first file with another extension, for a companion file, and records the companion in
-    /// the list. Moves the cursor to the first file.
+    /// the list: with any type but FILE_TYPE_NONE, on the front file of the first directory of that number. Moves the
+    /// cursor to the first file.
     /// @param out receives the path without a terminator; at least 99 bytes, zeroed by the caller.
     /// @param type FILE_TYPE_SRW or FILE_TYPE_MPO; another type leaves the path as it is.
-    /// @return 0; -1 before Listup() or for null; -200 for FILE_TYPE_NONE. Fatal with an empty list.
+    /// @return 0; -1 before Listup() or for null; -200 for FILE_TYPE_NONE.
+    /// Fatal with an empty list: "cannot find dir index = %d".
     virtual int GetLatestFileName(char* out, eFileType type) = 0;
 
     /// Recomputes the first index, the number index (directory number x 100000 + file number) of the newest file.
@@ -186,19 +209,20 @@ public:
     virtual int SetProtect(CSFileListItem* item, bool on) = 0;
 
     /// Protects or unprotects the selected files and empties the selection.
-    /// @return 0.
+    /// @return 0. Fatal before Listup(): "now m_pDCF is NULL".
     virtual int SetProtectSel(bool on) = 0;
 
     /// Protects or unprotects every file.
-    /// @return 0.
+    /// @return 0. Fatal before Listup(): "now m_pDCF is NULL".
     virtual int SetProtectAll(bool on) = 0;
 
     /// Flips the protection of each selected file and empties the selection.
-    /// @return 0.
+    /// @return 0. Fatal before Listup(): "now m_pDCF is NULL".
     virtual int SetProtectSelToggle() = 0;
 
     /// Sets the prefix of new DCF file names.
-    /// @param prefix four characters for a DCF name, at most eight; copied.
+    /// @param prefix four characters for a DCF name (GetNewFileName() is fatal with any other number), at most eight;
+    ///        copied.
     /// @return 0; -1 for null, -2 for more than eight characters, and the old prefix stays.
     virtual int SetFilePrefix(char* prefix) = 0;
 
@@ -207,15 +231,20 @@ public:
     ///         a null item, -6 before Listup(), in this order. Fatal for a file that is not in the list.
     virtual int GetInfo(char* path, CSFileListItem* item) = 0;
 
-    /// @return how many more files the numbering allows; waits for a Listup() on another thread, up to 20 seconds.
-    /// Fatal when that listing does not end by then: "listup is not done".
+    /// @return how many more files the numbering allows; waits for a Listup() on another thread, up to 20 seconds. 0
+    /// when
+    ///         directory 999 is in use and its suffix is not one that the folder-name mode makes; below 0 when the list
+    ///         or a stored series value is beyond the last number.
+    /// Fatal when that listing does not end by then ("listup is not done"), and before Listup().
     virtual int GetAvailNumOfPhoto() = 0;
 
     /// @return the number of files of a type, companion files counted with the file that they belong to; -1 before
     ///         Listup().
     virtual int GetFileCount(eFileType type) = 0;
 
-    /// Sets or clears the Wi-Fi mark of every file. @param bit ignored. @return 0.
+    /// Sets or clears the Wi-Fi mark of every file.
+    /// @param bit ignored.
+    /// @return 0. Fatal before Listup(): "now m_pDCF is NULL".
     virtual int SetCustomBitAll(int bit, bool on) = 0;
 
     /// Registers the photo metadata collector, shared by all lists of the process; null unregisters it.
@@ -240,9 +269,10 @@ public:
     /// @return and fatal as GetAt().
     virtual int GetAtSimply(int nIdx, CSFileListItem* item) = 0;
 
-    /// Renumbers the directories of a full card from 100 on, the highest becoming 100, and lists it again. The
-    /// selection stays.
-    /// @return 1. Fatal before Listup().
+    /// Renumbers the directories of a full card from 100 on, the highest becoming 100, and lists it again. "Camera" and
+    /// every other eight-character entry under "DCIM" take a number too. A rename that fails shows as "rename fail" on
+    /// standard output and leaves that directory as it was. The series value becomes 0. The selection stays.
+    /// @return 1. Fatal before Listup(): "now m_pDCF is NULL".
     virtual int RenameDCFFullStorage() = 0;
 };
 

@@ -130,7 +130,7 @@ TEST_F(Dispatch, OfDeleteAllListsAgain) {
 TEST_F(Dispatch, OfRenumberingListsAgain) {
     bool treeThen = true;
     list.atListup = [&] { treeThen = list.m_pDCF != nullptr; };
-    EXPECT_EQ(list.RenameDCFFullStorage(), 1);
+    EXPECT_EQ(Printed([&] { EXPECT_EQ(list.RenameDCFFullStorage(), 1); }), "rename fail\n") << "100PHOTO is in the way";
     EXPECT_EQ(list.Take(), (Texts{"Listup", "UpdateFirstIndex false", "GetFirst", "GetCurIndex"}));
     EXPECT_FALSE(treeThen);
 }

@@ -139,9 +139,11 @@ TEST_F(TreeProtect, OfAListBeyondTheCountEndsThere) {
 
 TEST_F(TreeProtect, OfAListConsumesPositionsBelowTheDirectoryWithoutEffect) {
     ListThree();
-    tree->SetProtect(Positions{-4, -1, 3, 0, 4}, true);
-    EXPECT_EQ(States(), (Texts{"102/9", "102/5", "102/2", "101/4 protected known", "101/3 protected known", "100/1"}))
+    tree->SetProtect(Positions{-4, -1, 4, 0, 5}, true);
+    EXPECT_EQ(States(), (Texts{"102/9", "102/5", "102/2", "101/4", "101/3 protected known", "100/1 protected known"}))
         << "position 0 came too late";
+    tree->SetProtectToggle({-1, 4, 1, 5});
+    EXPECT_EQ(States(), (Texts{"102/9", "102/5", "102/2", "101/4", "101/3 known", "100/1 known"}));
 }
 
 TEST_F(TreeProtect, OfAListTouchesAPositionAgainThatStandsInItTwice) {

@@ -129,6 +129,7 @@ TEST_F(SeriesTest, RaisesTheFirstIndexButNeverLowersIt) {
         const char* why;
     } rows[] = {
         {10500017, 12300045, 12300045, "a higher series value"},
+        {10500017, 4307267341L, 2147483647, "a damaged one beyond an int, whose low half would pass: exhausted"},
         {10500017, 10000010, 10500017, "a lower series value"},
         {10500017, 10500017, 10500017, "the same"},
         {10500017, 0, 10500017, "never stored"},

@@ -89,6 +89,14 @@ TEST(PhotoData, CarriesTheDateAsATextOfAtMostTwentyCharacters) {
     }
 }
 
+TEST(PhotoData, DateIsCopiedAsATextWithZerosBehindItsEnd) {
+    PhotoInfo info = Sample("xxxxxxxxxxxxxxxxxxxx");
+    info.date[4] = '\0';
+    DCFItem item;
+    item.setPhotoData(info);
+    EXPECT_EQ(std::string(item.m_photo.date, 20), "xxxx" + std::string(16, '\0'));
+}
+
 TEST(PhotoData, LeavesTheRestOfTheItem) {
     DCFItem item;
     item.setDirNum(100);
