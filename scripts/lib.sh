@@ -51,16 +51,18 @@ install_packages() {
     "${as_root[@]}" apt-get update -qq >&2 || true
     # shellcheck disable=SC2086 # one word per package
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-        apt-get install -y -qq --no-install-recommends $missing >&2 </dev/null || {
+        apt-get install -y -qq -o DPkg::Lock::Timeout=300 --no-install-recommends $missing >&2 </dev/null || {
         printf 'These packages could not be installed (is the network there?): %s\n' "$(tr '\n' ' ' <<<"$missing")" >&2
         return 1
     }
 }
 
-# The results of a check: one line each, on standard output and, for scripts/test, in the file DCF_RESULTS.
+# The results of a check: one line each on standard output. For scripts/test they go into the file DCF_RESULTS, and what
+# has passed is not worth a line of its log.
 result() {
     if [ -n "${DCF_RESULTS:-}" ]; then
         printf '%s %s\n' "$1" "$2" >>"$DCF_RESULTS"
+        [ "$1" != passed ] || return 0
     fi
     printf '%s: %s\n' "$1" "$2"
 }

@@ -51,11 +51,38 @@ struct Pipe {
     }
 };
 
+/// The file of the preferences, which no test shares with another or with the machine; removed at the end.
+const std::string& Preferences() {
+    static const class Scratch {
+    public:
+        Scratch() {
+            if (mkdtemp(m_folder.data()) == nullptr) {
+                throw std::system_error(errno, std::generic_category(), m_folder);
+            }
+            m_file = m_folder + "/preferences";
+        }
+        Scratch(const Scratch&) = delete;
+        Scratch& operator=(const Scratch&) = delete;
+        ~Scratch() {
+            std::error_code ignored; // nothing depends on it
+            std::filesystem::remove_all(m_folder, ignored);
+        }
+        [[nodiscard]] const std::string& File() const {
+            return m_file;
+        }
+
+    private:
+        std::string m_folder = "/tmp/dcfctl-XXXXXX";
+        std::string m_file;
+    } scratch;
+    return scratch.File();
+}
+
 void SetEnvironment(const Options& options) {
     for (const char* name : {"DCF_CARD", "DCF_LOG", "NO_COLOR", "TERM", "DCF_PREFERENCES"}) {
         unsetenv(name);
     }
-    setenv("DCF_PREFERENCES", "/nonexistent/preferences", 1);
+    setenv("DCF_PREFERENCES", Preferences().c_str(), 1);
     const char* hostile = std::getenv("DCF_TEST_LOCALE");
     setenv("LC_ALL", hostile != nullptr ? hostile : "C.UTF-8", 1);
     for (const auto& [name, value] : options.environment) {
@@ -77,26 +104,17 @@ void SetEnvironment(const Options& options) {
 }
 
 [[noreturn]] void RunChild(const Words& arguments, const Options& options, int in, int out, int err) {
-    const int file = options.outFile.empty() ? out : open(options.outFile.c_str(), O_WRONLY | O_CREAT, 0666);
-    if (file < 0 || dup2(in, 0) < 0 || dup2(file, 1) < 0 || dup2(err, 2) < 0) {
+    const int input = options.inFile.empty() ? in : open(options.inFile.c_str(), O_RDONLY | O_CLOEXEC);
+    const int output =
+        options.outFile.empty() ? out : open(options.outFile.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+    if (input < 0 || output < 0 || dup2(input, 0) < 0 || dup2(output, 1) < 0 || dup2(err, 2) < 0) {
         _exit(kCannotStart);
     }
-    for (const int descriptor : options.closed) {
-        close(descriptor);
-    }
-    if (!options.folder.empty() && chdir(options.folder.c_str()) != 0) {
-        _exit(kCannotStart);
-    }
-    if (options.user.has_value() &&
-        (setgroups(0, nullptr) != 0 || setgid(*options.user) != 0 || setuid(*options.user) != 0)) {
-        _exit(kCannotStart);
-    }
-    SetEnvironment(options);
-    Execute(arguments);
+    RunAsIs(arguments, options);
 }
 
 /// Feeds and drains until both outputs have ended.
-void Exchange(std::string input, int& in, int out, int err, Run& run) {
+void Exchange(std::string input, int& in, int out, int err, Outcome& run) {
     std::array<pollfd, 3> waiting = {{{in, POLLOUT, 0}, {out, POLLIN, 0}, {err, POLLIN, 0}}};
     const auto drain = [](pollfd& entry, std::string& text) {
         std::array<char, 1U << 16U> buffer{};
@@ -144,11 +162,12 @@ std::string Describe(const std::filesystem::path& path) {
 
 } // namespace
 
-std::string Run::Describe() const {
+std::string Outcome::Describe() const {
     return "exit " + std::to_string(exit) + ", signal " + std::to_string(signal) + "\nout:\n" + out + "\nerr:\n" + err;
 }
 
-Run Dcfctl(const Words& arguments, const Options& options) {
+Outcome Dcfctl(const Words& arguments, const Options& options) {
+    PrepareToRun();
     std::signal(SIGPIPE, SIG_IGN); // a child that does not read its input is no reason to end
     Pipe in;
     Pipe out;
@@ -164,7 +183,7 @@ Run Dcfctl(const Words& arguments, const Options& options) {
     Pipe::Close(in.readEnd);
     Pipe::Close(out.writeEnd);
     Pipe::Close(err.writeEnd);
-    Run run;
+    Outcome run;
     Exchange(options.input, in.writeEnd, out.readEnd, err.readEnd, run);
     int status = 0;
     if (waitpid(child, &status, 0) != child) {
@@ -178,13 +197,32 @@ Run Dcfctl(const Words& arguments, const Options& options) {
     return run;
 }
 
-Run OnCard(const std::string& root, const Words& arguments, const Options& options) {
+void PrepareToRun() {
+    (void)Preferences(); // the first call makes the folder
+}
+
+void RunAsIs(const Words& arguments, const Options& options) {
+    for (const int descriptor : options.closed) {
+        close(descriptor);
+    }
+    if (!options.folder.empty() && chdir(options.folder.c_str()) != 0) {
+        _exit(kCannotStart);
+    }
+    if (options.user.has_value() &&
+        (setgroups(0, nullptr) != 0 || setgid(*options.user) != 0 || setuid(*options.user) != 0)) {
+        _exit(kCannotStart);
+    }
+    SetEnvironment(options);
+    Execute(arguments);
+}
+
+Outcome OnCard(const std::string& root, const Words& arguments, const Options& options) {
     Words all = {"--card", root};
     all.insert(all.end(), arguments.begin(), arguments.end());
     return Dcfctl(all, options);
 }
 
-Run Shell(const std::string& root, const Words& lines, const Words& arguments) {
+Outcome Shell(const std::string& root, const Words& lines, const Words& arguments) {
     Words all = {"shell"};
     all.insert(all.end(), arguments.begin(), arguments.end());
     Options options;
@@ -198,6 +236,10 @@ std::string ErrorLine(const std::string& text) {
 
 std::string WarningLine(const std::string& text) {
     return "dcfctl: warning: " + text + "\n";
+}
+
+std::string ShownTime(const std::string& time) {
+    return kHasTimes ? time : "-";
 }
 
 Words Lines(const std::string& text) {

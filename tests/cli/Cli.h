@@ -27,10 +27,11 @@ struct Options {
     std::string folder{};                             ///< Where it runs; the test's own when empty.
     std::optional<unsigned> user{};                   ///< Runs as another user.
     std::vector<int> closed{};                        ///< Descriptors that are closed from the start.
+    std::string inFile{};                             ///< Standard input comes from there instead.
     std::string outFile{};                            ///< Standard output goes there instead of into a pipe.
 };
 
-struct Run {
+struct Outcome {
     int exit = -1;  ///< Exit code; -1 when a signal ended it.
     int signal = 0; ///< That signal.
     std::string out{};
@@ -43,17 +44,32 @@ struct Run {
 using Words = std::vector<std::string>;
 
 /// Runs dcfctl with these arguments to its end.
-[[nodiscard]] Run Dcfctl(const Words& arguments, const Options& options = {});
+[[nodiscard]] Outcome Dcfctl(const Words& arguments, const Options& options = {});
+
+/// Makes what every run shares. Called before forking, so that this process clears it away and not the child.
+void PrepareToRun();
+
+/// In a child process: becomes dcfctl, with the streams that are there.
+[[noreturn]] void RunAsIs(const Words& arguments, const Options& options);
 
 /// Runs it over a card: "--card ROOT" and the arguments.
-[[nodiscard]] Run OnCard(const std::string& root, const Words& arguments, const Options& options = {});
+[[nodiscard]] Outcome OnCard(const std::string& root, const Words& arguments, const Options& options = {});
 
 /// Runs its shell over a card with these lines.
-[[nodiscard]] Run Shell(const std::string& root, const Words& lines, const Words& arguments = {});
+[[nodiscard]] Outcome Shell(const std::string& root, const Words& lines, const Words& arguments = {});
 
 /// "dcfctl: error: TEXT\n", and the same with "warning".
 [[nodiscard]] std::string ErrorLine(const std::string& text);
 [[nodiscard]] std::string WarningLine(const std::string& text);
+
+/// The time of a file as text shows it: "-", which means unknown, in a build whose library takes times from where a
+/// workstation's file systems have none (DCF_ENTRY_TIME).
+[[nodiscard]] std::string ShownTime(const std::string& time);
+#ifdef DCF_ENTRY_TIME_DIRENT
+inline constexpr bool kHasTimes = false;
+#else
+inline constexpr bool kHasTimes = true;
+#endif
 
 /// The text in lines, without their ends.
 [[nodiscard]] Words Lines(const std::string& text);

@@ -42,10 +42,11 @@ TEST(Json, OfAListHasItsKeysInAFixedOrder) {
     EXPECT_EQ(run.exit, clitest::kSuccess);
     EXPECT_EQ(run.err, "");
     const Json json = Json::parse(run.out);
-    EXPECT_EQ(Keys(json),
-              (Words{"format", "version", "error", "warnings", "card", "card_bytes", "counts", "shown", "files"}));
+    EXPECT_EQ(Keys(json), (Words{"format", "version", "bytes_encoding", "error", "warnings", "card", "card_bytes",
+                                 "counts", "shown", "files"}));
     EXPECT_EQ(json["format"], "dcfctl.ls");
     EXPECT_EQ(json["version"], 1);
+    EXPECT_EQ(json["bytes_encoding"], "base64") << "how a path that is no text comes back";
     EXPECT_EQ(json["error"], nullptr);
     EXPECT_EQ(json["warnings"], Json::array());
     EXPECT_EQ(json["card"], card.Root());
@@ -71,8 +72,8 @@ TEST(Json, TellsEverythingAboutAFile) {
                               {"wifi", false},
                               {"directory_number", 101},
                               {"file_number", 3},
-                              {"time", 1714557600},
-                              {"time_utc", "2024-05-01T10:00:00Z"}}));
+                              {"time", clitest::kHasTimes ? Json(1714557600) : Json()},
+                              {"time_utc", clitest::kHasTimes ? Json("2024-05-01T10:00:00Z") : Json()}}));
     EXPECT_EQ(files[1]["protected"], false);
     EXPECT_EQ(files[1]["companion"],
               Json({{"type", "SRW"}, {"path", card.Path("100ABCDE", "KVR_0001.SRW")}, {"path_bytes", nullptr}}));
@@ -99,7 +100,8 @@ TEST(Json, CountsAllTypesWhicheverWasAskedFor) {
     Card card;
     FillSmall(card);
     const Json json = Json::parse(OnCard(card.Root(), {"count", "--json", "--type", "AVI"}).out);
-    EXPECT_EQ(Keys(json), (Words{"format", "version", "error", "warnings", "card", "card_bytes", "counts"}));
+    EXPECT_EQ(Keys(json),
+              (Words{"format", "version", "bytes_encoding", "error", "warnings", "card", "card_bytes", "counts"}));
     EXPECT_EQ(json["format"], "dcfctl.count");
     EXPECT_EQ(json["counts"]["files"], 2);
     EXPECT_EQ(json["counts"]["JPG"], 1);
@@ -107,18 +109,19 @@ TEST(Json, CountsAllTypesWhicheverWasAskedFor) {
 
 TEST(Json, GivesAPathThatIsNoTextBackInBase64) {
     Card card;
-    card.AddFile("100\xff\xc3(\x80", "AB\xed\xa0"
-                                     "0001.JPG");
-    card.AddFile("100\xff\xc3(\x80", "AB\xed\xa0"
-                                     "0001.SRW");
+    card.AddFile("100\xff\xc3(\x80Z", "AB\xed\xa0"
+                                      "0001.JPG");
+    card.AddFile("100\xff\xc3(\x80Z", "AB\xed\xa0"
+                                      "0001.SRW");
     const auto run = OnCard(card.Root(), {"ls", "--json"});
     const Json file = Json::parse(run.out)["files"][0];
     const std::string bad = "\xef\xbf\xbd"; // U+FFFD
-    EXPECT_EQ(file["path"], card.Dcim() + "/100" + bad + bad + "(" + bad + "/AB" + bad + bad + "0001.JPG");
-    EXPECT_EQ(file["companion"]["path"], card.Dcim() + "/100" + bad + bad + "(" + bad + "/AB" + bad + bad + "0001.SRW");
+    EXPECT_EQ(file["path"], card.Dcim() + "/100" + bad + bad + "(" + bad + "Z/AB" + bad + bad + "0001.JPG");
+    EXPECT_EQ(file["companion"]["path"],
+              card.Dcim() + "/100" + bad + bad + "(" + bad + "Z/AB" + bad + bad + "0001.SRW");
 
-    const std::string path = card.Path("100\xff\xc3(\x80", "AB\xed\xa0"
-                                                           "0001.JPG");
+    const std::string path = card.Path("100\xff\xc3(\x80Z", "AB\xed\xa0"
+                                                            "0001.JPG");
     EXPECT_EQ(clitest::FromBase64(file["path_bytes"]), path);
     EXPECT_EQ(clitest::FromBase64(file["companion"]["path_bytes"]), path.substr(0, path.size() - 3) + "SRW");
 }
@@ -148,7 +151,7 @@ TEST(Json, SaysWhyThereIsNoResultAndSoDoesStandardError) {
         const auto run = OnCard(card.Root() + "/nothing", arguments);
         EXPECT_EQ(run.exit, clitest::kCardUnreadable);
         const Json json = Json::parse(run.out);
-        EXPECT_EQ(Keys(json), (Words{"format", "version", "error", "warnings"}));
+        EXPECT_EQ(Keys(json), (Words{"format", "version", "bytes_encoding", "error", "warnings"}));
         EXPECT_EQ(Keys(json["error"]), (Words{"cause", "exit_code", "exit_name", "message"}));
         EXPECT_EQ(json["error"]["cause"], "card-missing");
         EXPECT_EQ(json["error"]["exit_code"], 4);

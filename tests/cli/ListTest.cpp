@@ -39,8 +39,10 @@ void FillMixed(Card& card) {
 
 std::string Row(const Card& card, const std::string& position, const std::string& columns, const std::string& time,
                 const std::string& name) {
-    return std::string(3 - position.size(), ' ') + position + "  " + columns + "  2024-05-01T" + time + "Z  " +
-           card.Dcim() + "/" + name;
+    std::string shown = clitest::ShownTime("2024-05-01T" + time + "Z");
+    shown.resize(20, ' ');
+    return std::string(3 - position.size(), ' ') + position + "  " + columns + "  " + shown + "  " + card.Dcim() + "/" +
+           name;
 }
 
 constexpr char kHeader[] = "POS  TYPE  COMPANION  MARKS  TIME                  PATH";
@@ -66,7 +68,8 @@ TEST(List, ShowsTheSameTimeInEveryTimeZone) {
     card.AddFile("100ABCDE", "KVR_0001.JPG", At(kTime));
     clitest::Options options;
     options.environment["TZ"] = "JST-9";
-    EXPECT_NE(OnCard(card.Root(), {"ls"}, options).out.find("2024-05-01T10:00:00Z"), std::string::npos);
+    EXPECT_NE(OnCard(card.Root(), {"ls"}, options).out.find(clitest::ShownTime("2024-05-01T10:00:00Z") + " "),
+              std::string::npos);
 }
 
 TEST(List, SaysThatNothingIsInTheListOfAnEmptyCard) {

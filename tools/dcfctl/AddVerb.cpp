@@ -12,6 +12,7 @@
 #include <variant>
 
 #include "CardFiles.h"
+#include "CardLock.h"
 #include "DcfNames.h"
 #include "FileCopy.h"
 #include "NamingCard.h"
@@ -255,6 +256,10 @@ Report<AddResult> Add(const CardOptions& card, const AddOptions& options, Output
         return Failed<AddResult>(*finding);
     }
     const auto& shots = std::get<std::vector<Shot>>(sources);
+    const CardLock lock(card.root);
+    if (lock.Refusal().has_value()) {
+        return Failed<AddResult>(*lock.Refusal());
+    }
     NamingCard naming(card, options.naming);
     if (naming.Refusal().has_value()) {
         return Failed<AddResult>(*naming.Refusal());

@@ -26,6 +26,10 @@ public:
     [[nodiscard]] int Count() const {
         return m_count;
     }
+    /// The list itself, for the verbs that change it.
+    [[nodiscard]] ISFileList& List() const {
+        return m_session->List();
+    }
     [[nodiscard]] Counts CountAll() const;
     /// The paths of a position, its type by the path, and its time. Makes no look-up, so it works on every card.
     [[nodiscard]] FileEntry Simple(int position) const;

@@ -19,23 +19,12 @@ int KeepFolderEntry(const dirent* entry) {
     return std::strlen(entry->d_name) == 8 || entry->d_name == kCamera ? 1 : 0;
 }
 
-/// The library's own order, used through the same sorting call: it is no strict order when an eight-letter name that
-/// begins behind "C" stands beside "Camera", and the outcome must be the same one.
+/// The library's own order: "Camera" last, the others from the highest name down.
 int CompareFolderEntries(const dirent** a, const dirent** b) {
-    const bool numbered = std::strlen((*a)->d_name) == 8 && std::strlen((*b)->d_name) == 8;
-    return numbered ? std::strcmp((*b)->d_name, (*a)->d_name) : std::strcmp((*a)->d_name, (*b)->d_name);
-}
-
-Names NamesInDcim(const std::string& dcim) {
-    dirent** entries = nullptr;
-    const int count = scandir(dcim.c_str(), &entries, KeepFolderEntry, CompareFolderEntries);
-    Names names;
-    for (int i = 0; i < count; ++i) {
-        names.emplace_back(entries[i]->d_name);
-        std::free(entries[i]);
-    }
-    std::free(entries);
-    return names;
+    const bool cameraA = (*a)->d_name == kCamera;
+    const bool cameraB = (*b)->d_name == kCamera;
+    return cameraA || cameraB ? static_cast<int>(cameraA) - static_cast<int>(cameraB)
+                              : std::strcmp((*b)->d_name, (*a)->d_name);
 }
 
 bool IsCompanionType(eFileType type) {
@@ -59,6 +48,18 @@ void Note(NumberSurvey& survey, const FileName& file, const std::string& name, b
 }
 
 } // namespace
+
+Names NamesInDcim(const std::string& dcim) {
+    dirent** entries = nullptr;
+    const int count = scandir(dcim.c_str(), &entries, KeepFolderEntry, CompareFolderEntries);
+    Names names;
+    for (int i = 0; i < count; ++i) {
+        names.emplace_back(entries[i]->d_name);
+        std::free(entries[i]);
+    }
+    std::free(entries);
+    return names;
+}
 
 bool HoldsPhoto(const std::string& text) {
     return text.find("PHOTO") != std::string::npos;

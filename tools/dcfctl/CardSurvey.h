@@ -15,6 +15,9 @@ using Names = std::vector<std::string>;
 
 [[nodiscard]] bool HoldsPhoto(const std::string& text);
 
+/// The entries of "DCIM" that take part in a listing or a renumbering, in the library's order.
+[[nodiscard]] Names NamesInDcim(const std::string& dcim);
+
 /// Folders that share a number: the listed ones, and the ones left out because of "PHOTO".
 struct SharedNumber {
     Names listed;

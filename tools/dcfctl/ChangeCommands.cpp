@@ -51,10 +51,7 @@ void AddFolderNaming(CLI::App& verb, NamingOptions& naming) {
 void AddNaming(CLI::App& verb, ChangeRequest& request) {
     CLI::Option* prefix = verb.add_option("--prefix", request.naming.prefix, "First four characters of new names")
                               ->type_name("ABCD")
-                              ->check([](const std::string& text) {
-                                  const auto finding = CheckPrefix(text);
-                                  return finding.has_value() ? finding->text : std::string();
-                              });
+                              ->check(CheckPrefix);
     CLI::Option* dates =
         verb.add_flag("--date-names", request.naming.dateNames, "Begin new names with month and day instead");
     prefix->excludes(dates);

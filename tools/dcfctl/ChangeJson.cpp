@@ -56,6 +56,8 @@ void AddTo(Json& json, const RemovalResult& result) {
 }
 
 void AddTo(Json& json, const ProtectionResult& result) {
+    constexpr const char* kWanted[] = {"on", "off", "toggle"};
+    json["wanted"] = kWanted[static_cast<std::size_t>(result.wanted)];
     json["changed"] = ChangesJson(result.changed);
     json["failed"] = ChangesJson(result.failed);
     json["already"] = result.already;

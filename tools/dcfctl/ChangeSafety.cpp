@@ -60,6 +60,12 @@ Finding CompanionPrefix(const PathParts& parts, const std::string& real, const s
                                            "; give both the same first eight characters first");
 }
 
+Finding NoFolder(const std::string& path, const EntryState& state) {
+    return Refused("folder-link", Quoted(path) + " is " + KindText(state.mode) + " and no folder" +
+                                      (S_ISLNK(state.mode) ? ", and nothing outside the card is ever changed" : "") +
+                                      "; move it away first");
+}
+
 Finding Changed(const PathParts& parts) {
     return Refused("card-changed", Together(parts.folder, parts.file) +
                                        " is in the list and not, or no longer, on the card; try again");
@@ -87,9 +93,7 @@ std::optional<Finding> ChangeSafety::CheckCard() const {
         const std::string path = m_dcim + "/" + folder.name;
         const auto state = LookAt(path);
         if (state.has_value() && !state->IsFolder()) {
-            return Refused("folder-link", Quoted(path) + " is " + KindText(state->mode) +
-                                              " and no folder, and nothing outside the card is ever changed; move it "
-                                              "away first");
+            return NoFolder(path, *state);
         }
     }
     return std::nullopt;

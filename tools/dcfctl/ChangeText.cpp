@@ -22,9 +22,9 @@ std::string CountsText(const RemovalCounts& counts) {
 }
 
 std::string SeriesLine(long stored, const std::optional<long>& before, bool dryRun) {
-    std::string text = std::string("  series value ") + (dryRun ? "would be " : "") + IndexText(stored);
+    std::string text = std::string("  series value ") + (dryRun ? "would be " : "") + SeriesText(stored);
     if (before.has_value() && *before != stored) {
-        text += " (before: " + (*before == 0 ? std::string("none") : IndexText(*before)) + ")";
+        text += " (before: " + SeriesText(*before) + ")";
     }
     return text + "\n";
 }
@@ -153,9 +153,7 @@ std::string ChangeText::Of(const RenumberResult& result) const {
 }
 
 std::string ChangeText::Of(const SeriesResult& result) const {
-    const auto shown = [](long value) {
-        return value == 0 ? std::string("none (0)") : IndexText(value) + " (" + std::to_string(value) + ")";
-    };
+    const auto shown = [](long value) { return SeriesText(value) + " (" + std::to_string(value) + ")"; };
     if (!result.set) {
         return shown(result.value) + "\n";
     }

@@ -1,8 +1,8 @@
 // Results as JSON; see Renderer.h. Every document says which one it is and the version of its keys, and is valid
 // whatever names a card has: bytes that are not UTF-8 stand as U+FFFD, and the bytes themselves beside them in Base64.
 #include <cstring>
-#include <nlohmann/json.hpp>
 
+#include "ChangeJson.h"
 #include "DcfNames.h"
 #include "Renderer.h"
 #include "Text.h"
@@ -10,23 +10,11 @@
 namespace dcfctl {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 /// Raised when a key changes its meaning or goes away; a new key leaves it.
 constexpr int kVersion = 1;
 
 Json Document(const char* format) {
-    return {{"format", format}, {"version", kVersion}};
-}
-
-/// Adds "name" and "name_bytes": the second is null when the first says it all.
-void AddPath(Json& json, const std::string& name, std::string_view bytes) {
-    json[name] = Utf8Replaced(bytes);
-    json[name + "_bytes"] = IsUtf8(bytes) ? Json() : Json(Base64(bytes));
-}
-
-Json TypeJson(eFileType type) {
-    return type == FILE_TYPE_NONE ? Json() : Json(TypeText(type));
+    return {{"format", format}, {"version", kVersion}, {"bytes_encoding", "base64"}};
 }
 
 void AddTime(Json& json, std::uint32_t time) {
@@ -87,8 +75,10 @@ Json Head(const char* format, const Report<Value>& report) {
     Json json = Document(format);
     json["error"] = report.error.has_value() ? FindingJson(*report.error) : Json();
     json["warnings"] = FindingsJson(report.warnings);
-    if (report.value.has_value()) {
-        AddPath(json, "card", report.value->root);
+    if constexpr (requires { report.value->root; }) {
+        if (report.value.has_value()) {
+            AddPath(json, "card", report.value->root);
+        }
     }
     return json;
 }
@@ -137,15 +127,50 @@ public:
     void Tell(std::string_view /*text*/) override {
         // A program reads along: nothing but documents.
     }
+    void Announce(const RemovalPlan& /*plan*/) override {
+        // As above.
+    }
 
 protected:
     void Put(const Report<ListResult>& report) override;
     void Put(const Report<CountResult>& report) override;
     void Put(const Report<ShowResult>& report) override;
     void Put(const Report<SampleResult>& report) override;
+    void Put(const Report<RemovalResult>& report) override {
+        PutChange("dcfctl.rm", report);
+    }
+    void Put(const Report<ProtectionResult>& report) override {
+        PutChange("dcfctl.protect", report);
+    }
+    void Put(const Report<LatestNameResult>& report) override {
+        PutChange("dcfctl.latest-name", report);
+    }
+    void Put(const Report<CapacityResult>& report) override {
+        PutChange("dcfctl.capacity", report);
+    }
+    void Put(const Report<NextNameResult>& report) override {
+        PutChange("dcfctl.next-name", report);
+    }
+    void Put(const Report<AddResult>& report) override {
+        PutChange("dcfctl.add", report);
+    }
+    void Put(const Report<RenumberResult>& report) override {
+        PutChange("dcfctl.renumber", report);
+    }
+    void Put(const Report<SeriesResult>& report) override {
+        PutChange("dcfctl.series", report);
+    }
     void Put(const ShellReply& reply) override;
 
 private:
+    template <typename Value>
+    void PutChange(const char* format, const Report<Value>& report) {
+        Json json = Head(format, report);
+        if (report.value.has_value()) {
+            AddTo(json, *report.value);
+        }
+        PutLine(json);
+    }
     void PutLine(const Json& json) {
         Out().Write(Dumped(json) + "\n");
     }

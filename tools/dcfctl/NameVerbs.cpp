@@ -10,6 +10,7 @@
 
 #include "CardFiles.h"
 #include "CardListing.h"
+#include "CardLock.h"
 #include "DcfNames.h"
 #include "NamingCard.h"
 #include "Phrases.h"
@@ -83,6 +84,10 @@ Report<CapacityResult> Capacity(const CardOptions& card, const NamingOptions& op
 }
 
 Report<NextNameResult> NextName(const CardOptions& card, const NamingOptions& options, eFileType type, bool dryRun) {
+    const CardLock lock(card.root);
+    if (lock.Refusal().has_value()) {
+        return Failed<NextNameResult>(*lock.Refusal());
+    }
     NamingCard naming(card, options);
     if (naming.Refusal().has_value()) {
         return Failed<NextNameResult>(*naming.Refusal());

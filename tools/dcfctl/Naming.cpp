@@ -48,15 +48,12 @@ std::string PrefixFor(const NamingOptions& options, eFileType type) {
 
 } // namespace
 
-std::optional<Finding> CheckPrefix(const std::string& prefix) {
+std::string CheckPrefix(const std::string& prefix) {
     const bool fits = prefix.size() == kPrefixLength &&
                       prefix.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_") == std::string::npos;
-    if (fits) {
-        return std::nullopt;
-    }
-    return Finding{"bad-prefix", ExitCode::kUsage,
-                   Quoted(prefix) + " is no prefix for file names; it is exactly four characters of A to Z (capitals), "
-                                    "0 to 9 and _"};
+    return fits ? ""
+                : Quoted(prefix) +
+                      " is no prefix for file names; it is exactly four characters of A to Z (capitals), 0 to 9 and _";
 }
 
 void ApplyNaming(ISFileList& list, const NamingOptions& options) {

@@ -3,11 +3,9 @@
 #ifndef DCFCTL_NAMING_H
 #define DCFCTL_NAMING_H
 
-#include <optional>
 #include <string>
 
 #include "FileListTypes.h"
-#include "Findings.h"
 #include "ISFileList.h"
 
 namespace dcfctl {
@@ -28,8 +26,8 @@ struct NameParts {
     std::string folderSuffix;
 };
 
-/// Four characters of A to Z, 0 to 9 and "_". @return why the text is none.
-[[nodiscard]] std::optional<Finding> CheckPrefix(const std::string& prefix);
+/// @return why a text is no prefix, which is four characters of A to Z, 0 to 9 and "_"; empty when it is one.
+[[nodiscard]] std::string CheckPrefix(const std::string& prefix);
 
 /// Hands the settings over, in the order in which one does not undo the other. Series mode is not among them: it can
 /// only be set on a list.

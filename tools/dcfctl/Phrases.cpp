@@ -48,6 +48,10 @@ std::string IndexText(long index) {
     return text.data();
 }
 
+std::string SeriesText(long value) {
+    return value == 0 ? "none" : IndexText(value);
+}
+
 Finding Refused(const char* code, const std::string& text) {
     return {code, ExitCode::kRefused, text};
 }

@@ -24,6 +24,9 @@ namespace dcfctl {
 /// A number index as people read it: "100-0012".
 [[nodiscard]] std::string IndexText(long index);
 
+/// The same, or "none" for 0.
+[[nodiscard]] std::string SeriesText(long value);
+
 /// Nothing was changed.
 [[nodiscard]] Finding Refused(const char* code, const std::string& text);
 /// Something was.

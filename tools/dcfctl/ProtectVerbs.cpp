@@ -5,6 +5,7 @@
 #include <variant>
 
 #include "CardListing.h"
+#include "CardLock.h"
 #include "ChangeSafety.h"
 #include "DcfNames.h"
 #include "Mounts.h"
@@ -130,6 +131,10 @@ Finding NoEffect(const ProtectionResult& result) {
 
 Report<ProtectionResult> Protect(const CardOptions& card, const TargetOptions& targets, Protection wanted,
                                  Output& err) {
+    const CardLock lock(card.root);
+    if (lock.Refusal().has_value()) {
+        return Failed<ProtectionResult>(*lock.Refusal());
+    }
     CardListing listing(card);
     if (listing.Refusal().has_value()) {
         return Failed<ProtectionResult>(*listing.Refusal());

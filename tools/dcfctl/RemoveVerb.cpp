@@ -6,6 +6,7 @@
 #include <set>
 
 #include "CardListing.h"
+#include "CardLock.h"
 #include "DcfNames.h"
 #include "Phrases.h"
 #include "Terminal.h"
@@ -226,6 +227,10 @@ Finding LeftBehind(const RemovalResult& result, bool interrupted) {
 
 Report<RemovalResult> Remove(const CardOptions& card, const RemovalOptions& options, const AgreeToRemoval& agree,
                              Output& err) {
+    const CardLock lock(card.root);
+    if (lock.Refusal().has_value()) {
+        return Failed<RemovalResult>(*lock.Refusal());
+    }
     CardListing listing(card);
     if (listing.Refusal().has_value()) {
         return Failed<RemovalResult>(*listing.Refusal());

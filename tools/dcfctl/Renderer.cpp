@@ -1,6 +1,7 @@
 // What text and JSON have in common: the lines on standard error. See the header.
 #include "Renderer.h"
 
+#include "ChangeText.h"
 #include "Text.h"
 
 namespace dcfctl {
@@ -22,6 +23,13 @@ void Renderer::SayError(std::string_view text) {
 
 void Renderer::SayWarning(std::string_view text) {
     Say("warning", "\033[1;33m", text);
+}
+
+void Renderer::ShowPlan(const RemovalPlan& plan) {
+    const ChangeText text(
+        [this](std::string_view name) { return m_err.IsAsciiTerminal() ? AsciiOnly(Escaped(name)) : Escaped(name); });
+    m_err.Write(text.Of(plan, false));
+    m_err.Flush();
 }
 
 void Renderer::SayAll(const std::vector<Finding>& warnings, const std::optional<Finding>& error) {

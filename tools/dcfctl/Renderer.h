@@ -6,10 +6,16 @@
 #include <memory>
 #include <string_view>
 
+#include "AddVerb.h"
 #include "Findings.h"
 #include "ListVerbs.h"
+#include "NameVerbs.h"
 #include "Output.h"
+#include "ProtectVerbs.h"
+#include "RemoveVerb.h"
+#include "RenumberVerb.h"
 #include "SampleVerb.h"
+#include "SeriesVerb.h"
 #include "ShellTypes.h"
 
 namespace dcfctl {
@@ -38,6 +44,11 @@ public:
     }
     void Show(const ShellReply& reply);
 
+    /// What is going to be deleted, as the first part of the result.
+    virtual void Announce(const RemovalPlan& plan) = 0;
+    /// The same on standard error, where it is asked about.
+    void ShowPlan(const RemovalPlan& plan);
+
     /// One line on standard error.
     void SayError(std::string_view text);
     void SayWarning(std::string_view text);
@@ -49,6 +60,14 @@ protected:
     virtual void Put(const Report<CountResult>& report) = 0;
     virtual void Put(const Report<ShowResult>& report) = 0;
     virtual void Put(const Report<SampleResult>& report) = 0;
+    virtual void Put(const Report<RemovalResult>& report) = 0;
+    virtual void Put(const Report<ProtectionResult>& report) = 0;
+    virtual void Put(const Report<LatestNameResult>& report) = 0;
+    virtual void Put(const Report<CapacityResult>& report) = 0;
+    virtual void Put(const Report<NextNameResult>& report) = 0;
+    virtual void Put(const Report<AddResult>& report) = 0;
+    virtual void Put(const Report<RenumberResult>& report) = 0;
+    virtual void Put(const Report<SeriesResult>& report) = 0;
     virtual void Put(const ShellReply& reply) = 0;
 
     [[nodiscard]] Output& Out() {

@@ -28,11 +28,16 @@ public:
 
     /// Does one renaming as the file system would.
     RenameOutcome Rename(const std::string& from, const std::string& to);
+    [[nodiscard]] std::vector<FinalPlace> Places() const;
 
 private:
     struct Entry {
-        bool folder;
+        FinalPlace place;
         bool empty; ///< A folder without contents.
+
+        [[nodiscard]] bool IsFolder() const {
+            return place.state.IsFolder();
+        }
     };
     using Map = std::map<std::string, Entry>;
 
@@ -48,23 +53,22 @@ Entries::Entries(const std::string& dcim) {
     const auto self = LookAt(dcim);
     const auto other = LookAt(dcim.substr(0, dcim.size() - kDcim.size()) + "dcim");
     m_anyCase = self.has_value() && other.has_value() && self->IsSame(*other);
-    for (const std::string& name : FolderContents(dcim, false).Names()) {
+    const FolderContents all(dcim, false);
+    for (const std::string& name : all.Names()) {
         const std::string path = dcim + "/" + name;
         const auto state = LookAt(path);
-        const bool folder = state.has_value() && state->IsFolder();
-        bool empty = false;
-        if (folder) {
-            const FolderContents contents(path, false);
-            empty = contents.Error() == 0 && contents.Names().empty();
+        if (!state.has_value()) {
+            continue; // gone in the meantime
         }
-        m_entries[Key(name)] = {folder, empty};
+        const FolderContents contents(path, false);
+        m_entries[Key(name)] = {{name, name, *state}, contents.Error() == 0 && contents.Names().empty()};
     }
 }
 
 RenameOutcome Entries::Rename(const std::string& from, const std::string& to) {
     const auto source = m_entries.find(Key(from));
     if (source == m_entries.end()) {
-        return RenameOutcome::kGone;
+        return RenameOutcome::kBlocked; // gone in the meantime
     }
     if (Key(from) == Key(to)) {
         return RenameOutcome::kUnchanged;
@@ -72,15 +76,25 @@ RenameOutcome Entries::Rename(const std::string& from, const std::string& to) {
     const auto target = m_entries.find(Key(to));
     RenameOutcome outcome = RenameOutcome::kRenamed;
     if (target != m_entries.end()) {
-        if (source->second.folder != target->second.folder || (target->second.folder && !target->second.empty)) {
+        const bool folder = target->second.IsFolder();
+        if (source->second.IsFolder() != folder || (folder && !target->second.empty)) {
             return RenameOutcome::kBlocked;
         }
-        outcome = target->second.folder ? RenameOutcome::kReplacesEmpty : RenameOutcome::kOverwrites;
+        outcome = folder ? RenameOutcome::kReplacesEmpty : RenameOutcome::kOverwrites;
     }
-    const Entry moved = source->second;
+    Entry moved = source->second;
+    moved.place.to = to;
     m_entries.erase(source);
     m_entries[Key(to)] = moved;
     return outcome;
+}
+
+std::vector<FinalPlace> Entries::Places() const {
+    std::vector<FinalPlace> places;
+    for (const auto& [key, entry] : m_entries) {
+        places.push_back(entry.place);
+    }
+    return places;
 }
 
 std::string NewNameFor(const std::string& name, int number) {
@@ -112,7 +126,6 @@ RenumberPlan PlanRenumbering(const std::string& dcim, const CardReport& report) 
         row.camera = name == kCamera;
         row.listed = std::any_of(report.folders.begin(), report.folders.end(),
                                  [&](const CardFolder& folder) { return folder.name == name; });
-        row.state = LookAt(dcim + "/" + name).value_or(EntryState{});
         row.outcome = entries.Rename(row.from, row.to);
         if (number > kLastNumber && row.WillHaveNewName()) {
             row.outcome = RenameOutcome::kBeyond;
@@ -120,6 +133,7 @@ RenumberPlan PlanRenumbering(const std::string& dcim, const CardReport& report) 
         plan.rows.push_back(std::move(row));
         ++number; // a renaming that fails takes a number too
     }
+    plan.entries = entries.Places();
     return plan;
 }
 
@@ -138,8 +152,6 @@ std::string OutcomeText(const Renaming& renaming) {
         return "renamed, replacing the empty folder " + Quoted(renaming.to);
     case RenameOutcome::kOverwrites:
         return "would overwrite the file " + Quoted(renaming.to);
-    case RenameOutcome::kGone:
-        return "cannot be renamed: an earlier renaming replaces it";
     case RenameOutcome::kBeyond:
         return "would get a number beyond 999 and vanish from the list";
     }
@@ -147,8 +159,7 @@ std::string OutcomeText(const Renaming& renaming) {
 }
 
 const char* OutcomeName(RenameOutcome outcome) {
-    constexpr const char* kNames[] = {"renamed",    "unchanged", "blocked",   "replaces-empty",
-                                      "overwrites", "gone",      "beyond-999"};
+    constexpr const char* kNames[] = {"renamed", "unchanged", "blocked", "replaces-empty", "overwrites", "beyond-999"};
     return kNames[static_cast<std::size_t>(outcome)];
 }
 

@@ -18,7 +18,6 @@ enum class RenameOutcome {
     kBlocked,       ///< Something of the new name is in the way: it keeps its old name.
     kReplacesEmpty, ///< An empty folder of the new name is replaced.
     kOverwrites,    ///< A file of the new name would be lost.
-    kGone,          ///< An earlier renaming will have replaced it.
     kBeyond,        ///< The new number is beyond 999, so the entry would vanish from the list.
 };
 
@@ -28,7 +27,6 @@ struct Renaming {
     RenameOutcome outcome = RenameOutcome::kRenamed;
     bool listed = false; ///< It is a folder of the list.
     bool camera = false;
-    EntryState state = {};
 
     /// Nothing about it needs a second thought.
     [[nodiscard]] bool IsClean() const {
@@ -42,8 +40,16 @@ struct Renaming {
     }
 };
 
+/// Where an entry of "DCIM" will be in the end.
+struct FinalPlace {
+    std::string from;
+    std::string to; ///< The same for one that stays.
+    EntryState state;
+};
+
 struct RenumberPlan {
-    std::vector<Renaming> rows; ///< In the order in which they are done.
+    std::vector<Renaming> rows;      ///< In the order in which they are done.
+    std::vector<FinalPlace> entries; ///< Of all entries but those that are replaced.
 
     [[nodiscard]] bool IsComplete() const;
     /// Something would be lost, or vanish from the list.

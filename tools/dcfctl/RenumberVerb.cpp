@@ -7,6 +7,7 @@
 #include <variant>
 
 #include "CardListing.h"
+#include "CardLock.h"
 #include "ChangeSafety.h"
 #include "DcfNames.h"
 #include "Phrases.h"
@@ -24,7 +25,7 @@ std::string Troubles(const RenumberPlan& plan) {
     std::string first;
     for (const Renaming& row : plan.rows) {
         if (!row.IsClean() && count++ == 0) {
-            first = Quoted(row.from) + " " + OutcomeText(row);
+            first = Quoted(row.from) + ": " + OutcomeText(row);
         }
     }
     return first + (count > 1 ? " (and " + std::to_string(count - 1) + " more)" : "");
@@ -46,10 +47,11 @@ std::optional<Finding> CheckPlan(const RenumberPlan& plan, const RenumberOptions
     return std::nullopt;
 }
 
-/// Whether the entry has its new name now. It is known again by what it is, not by its name alone.
-bool IsRenamed(const std::string& dcim, const Renaming& row) {
-    const auto now = LookAt(dcim + "/" + row.to);
-    return now.has_value() && (now->IsSame(row.state) || !LookAt(dcim + "/" + row.from).has_value());
+/// Whether the entry is where it is to be now. It is known again by what it is, not by its name alone.
+bool IsInPlace(const std::string& dcim, const FinalPlace& entry) {
+    const auto now = LookAt(dcim + "/" + entry.to);
+    return now.has_value() &&
+           (now->IsSame(entry.state) || (entry.to != entry.from && !LookAt(dcim + "/" + entry.from).has_value()));
 }
 
 /// An incomplete plan can leave two folders of one number, which the listing at the end may not survive; so that one
@@ -65,9 +67,9 @@ bool Run(ISFileList& list, bool contained) {
 }
 
 void LookAtOutcome(const std::string& dcim, RenumberResult& result) {
-    for (const Renaming& row : result.plan.rows) {
-        if (row.WillHaveNewName() && !IsRenamed(dcim, row)) {
-            result.left.push_back(row.from);
+    for (const FinalPlace& entry : result.plan.entries) {
+        if (!IsInPlace(dcim, entry)) {
+            result.left.push_back(entry.from);
         }
     }
 }
@@ -104,6 +106,10 @@ std::vector<Finding> PlanWarnings(const RenumberPlan& plan) {
 } // namespace
 
 Report<RenumberResult> Renumber(const CardOptions& card, const RenumberOptions& options) {
+    const CardLock lock(card.root);
+    if (lock.Refusal().has_value()) {
+        return Failed<RenumberResult>(*lock.Refusal());
+    }
     const CardListing listing(card);
     if (listing.Refusal().has_value()) {
         return Failed<RenumberResult>(*listing.Refusal());

@@ -66,14 +66,14 @@ void WriteAll(int fd, std::string_view content, const std::string& path) {
     }
 }
 
-/// Takes all write bits: a card mounted with a wide mask ignores a change of the owner's bit alone.
-void Protect(int fd, const std::string& path) {
+/// Takes all write bits: a card mounted with a wide mask ignores a change of the owner's bit alone. Some file systems
+/// have no protection at all. @return whether the file is protected now.
+bool Protect(int fd) {
     struct stat info = {};
     constexpr mode_t kPermissions = 07777;
     constexpr mode_t kAllWriters = 0222;
-    if (fstat(fd, &info) != 0 || fchmod(fd, info.st_mode & kPermissions & ~kAllWriters) != 0) {
-        Fail(path);
-    }
+    return fstat(fd, &info) == 0 && fchmod(fd, info.st_mode & kPermissions & ~kAllWriters) == 0 &&
+           fstat(fd, &info) == 0 && (info.st_mode & S_IWUSR) == 0;
 }
 
 int NumberOf(const SampleFile& file) {
@@ -81,16 +81,18 @@ int NumberOf(const SampleFile& file) {
     return name.has_value() ? name->number : 0;
 }
 
-void WriteFile(const std::string& path, const SampleFile& file) {
+/// @return whether the file is as protected as it should be.
+bool WriteFile(const std::string& path, const SampleFile& file) {
     const std::time_t time = kStartOfDay + std::time_t{file.minute} * 60;
     const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (fd < 0) {
         Fail(path);
     }
+    bool protection = true;
     try {
         WriteAll(fd, SampleFileContent(TypeOfPath(file.name), NumberOf(file), time), path);
         if (file.locked) {
-            Protect(fd, path);
+            protection = Protect(fd);
         }
         const timespec times[] = {{time, 0}, {time, 0}};
         if (futimens(fd, times) != 0 || fsync(fd) != 0) {
@@ -103,6 +105,7 @@ void WriteFile(const std::string& path, const SampleFile& file) {
     if (close(fd) != 0) {
         Fail(path);
     }
+    return protection;
 }
 
 void MakeFolder(const std::string& path) {
@@ -120,9 +123,10 @@ SampleResult FillCard(const std::string& dcim) {
         if (folders.insert(folder).second) {
             MakeFolder(folder);
         }
-        WriteFile(folder + "/" + file.name, file);
+        const bool protection = WriteFile(folder + "/" + file.name, file);
         ++result.files;
-        result.protectedFiles += file.locked ? 1 : 0;
+        result.protectedFiles += file.locked && protection ? 1 : 0;
+        result.unprotectedFiles += protection ? 0 : 1;
     }
     result.folders = static_cast<int>(folders.size());
     return result;
@@ -190,7 +194,13 @@ Report<SampleResult> MakeSample(const std::string& root) {
     try {
         SampleResult result = Build(root);
         result.root = root;
-        return {result, std::nullopt, {}};
+        std::vector<Finding> warnings;
+        if (result.unprotectedFiles > 0) {
+            warnings.push_back({"protection-ignored", ExitCode::kSuccess,
+                                "the file system takes no protection, so " + std::to_string(result.unprotectedFiles) +
+                                    " files of the sample are without it; look at the options of its mount"});
+        }
+        return {result, std::nullopt, warnings};
     } catch (const WriteError& failure) {
         if (made) {
             (void)rmdir(root.c_str()); // what stays behind is an empty folder

@@ -13,6 +13,7 @@ struct SampleResult {
     int files = 0; ///< Companions included.
     int folders = 0;
     int protectedFiles = 0;
+    int unprotectedFiles = 0; ///< That the file system would not protect.
 };
 
 /// @param root the card's folder; it is made when it is missing. It must hold nothing called "DCIM".

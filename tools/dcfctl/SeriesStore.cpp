@@ -92,8 +92,9 @@ std::optional<Finding> CheckStored(long expected) {
     if (value == expected) {
         return std::nullopt;
     }
-    return Incomplete("series-not-stored", "the series value is " + IndexText(value) + " and should be " +
-                                               IndexText(expected) + "; 'dcfctl series set " + IndexText(expected) +
+    return Incomplete("series-not-stored", "the series value is " + SeriesText(value) + " and should be " +
+                                               SeriesText(expected) + "; 'dcfctl series set " +
+                                               std::to_string(expected) +
                                                "' stores it, or says why it cannot be stored");
 }
 

@@ -33,6 +33,7 @@ CallResult Delete(ShellState& state, const Arguments& arguments) {
 
 CallResult DeleteAll(ShellState& state, const Arguments& /*arguments*/) {
     const int code = state.list->DeleteAll();
+    state.listedRoot = state.root;
     state.folders = FoldersOnCard(state); // it has listed the card again
     return {code, {}, {}};
 }
@@ -74,7 +75,12 @@ std::vector<Operation> ChangingOperations() {
          {},
          kNeedsListing | kSelection | kOwnNumbers,
          Plain<&ISFileList::DeleteSel>},
-        {"DeleteAll", "", "delete all files, protected ones too", {}, kNeedsListing | kOwnNumbers, DeleteAll},
+        {"DeleteAll",
+         "",
+         "delete all files, protected ones too",
+         {},
+         kNeedsListing | kOwnNumbers | kRelists,
+         DeleteAll},
         {"GetSelectIndecies", "", "the selected positions", {}, kNone, GetSelectIndecies},
         {"IsSel", "NUMBER", "is a position selected?", {kNumber}, kNone, IsSel},
         {"SetSel", "NUMBER FLAG", "select or deselect a position", {kNumber, kFlag}, kNone, SetSel},

@@ -6,6 +6,7 @@
 #include "CardInspector.h"
 #include "DcfNames.h"
 #include "Rehearsal.h"
+#include "ShellChangeGuards.h"
 #include "ShellOperations.h"
 #include "Text.h"
 
@@ -171,7 +172,7 @@ std::optional<Finding> CheckNewName(const ShellState& state, const Operation& op
         return Refusal(operation, "folder-came-later",
                        "the folder " + Quoted(*unknown) + " has come after the listing; Create and Listup list anew");
     }
-    return std::nullopt;
+    return CheckFirstFolder(state, operation);
 }
 
 /// The rehearsal of an operation that works on the first file and cannot itself be tried out.
@@ -202,7 +203,7 @@ std::optional<Finding> CheckSelection(const ShellState& state, const Operation& 
         return Refusal(operation, "position-out-of-range",
                        "position " + std::to_string(*beyond) + " is selected and not in the list; deselect it");
     }
-    return std::nullopt;
+    return CheckCursorAfterwards(state, operation);
 }
 
 std::optional<Finding> CheckItem(ShellState& state, const Operation& operation, const Arguments& arguments) {
@@ -250,6 +251,9 @@ std::optional<Finding> CheckChange(ShellState& state, const Operation& operation
     }
     if (!finding.has_value() && (operation.guards & kOwnNumbers) != 0) {
         finding = CheckOwnNumbers(state, operation);
+    }
+    if (!finding.has_value() && (operation.guards & kRelists) != 0) {
+        finding = CheckRelisting(state, operation);
     }
     return finding;
 }

@@ -64,6 +64,7 @@ CallResult GetAvailNumOfPhoto(ShellState& state, const Arguments& /*arguments*/)
 
 CallResult RenameDCFFullStorage(ShellState& state, const Arguments& /*arguments*/) {
     const int code = state.list->RenameDCFFullStorage();
+    state.listedRoot = state.root;
     state.folders = FoldersOnCard(state); // it has listed the card again
     return {code, {}, {}};
 }
@@ -131,7 +132,12 @@ std::vector<Operation> NamingOperations() {
          kFirstFile,
          GetLatestFileName},
         {"GetAvailNumOfPhoto", "", "how many more files the numbers allow", {}, kNeedsListing, GetAvailNumOfPhoto},
-        {"RenameDCFFullStorage", "", "renumber the folders and list again", {}, kNeedsListing, RenameDCFFullStorage},
+        {"RenameDCFFullStorage",
+         "",
+         "renumber the folders and list again",
+         {},
+         kNeedsListing | kRelists,
+         RenameDCFFullStorage},
     };
 }
 

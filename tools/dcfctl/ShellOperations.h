@@ -73,7 +73,8 @@ enum Guard : unsigned {
     kNoList = 1U << 7U,       ///< Works without a file list.
     kNewName = 1U << 8U,      ///< Makes a name and perhaps a folder.
     kOwnNumbers =
-        1U << 9U, ///< Lists again or moves the cursor when the card has changed: no folders may share a number.
+        1U << 9U,         ///< Lists again or moves the cursor when the card has changed: no folders may share a number.
+    kRelists = 1U << 10U, ///< Lists again when the card has changed, perhaps another card.
 };
 
 struct Operation {

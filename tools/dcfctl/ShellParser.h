@@ -20,7 +20,7 @@ struct ParsedLine {
 
 /// Words stand between blanks; quotes, single or double, hold blanks together; a word that begins with '#' opens a
 /// comment. A backslash escapes in and outside of quotes, in the forms in which names are shown: \n, \t, \xNN,
-/// \u{NNNN}, \\, \", \' and a blank.
+/// \u{NNNN}, \\, \", \', \# and a blank.
 [[nodiscard]] ParsedLine ParseLine(std::string_view line);
 
 } // namespace dcfctl

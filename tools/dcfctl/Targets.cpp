@@ -1,6 +1,7 @@
 // Finding the files that are meant; see the header.
 #include "Targets.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <filesystem>
 #include <set>
@@ -104,7 +105,8 @@ std::optional<Finding> AddPositions(const CardListing& listing, const std::vecto
 } // namespace
 
 PathIndex::PathIndex(const CardListing& listing, std::string root)
-    : m_root(std::move(root)), m_dcim(RealPath(m_root + "/" + std::string(kDcim))) {
+    : m_root(std::move(root)), m_dcim(RealPath(m_root + "/" + std::string(kDcim))),
+      m_folders(listing.Inspected().folders) {
     const auto add = [this](const std::string& path, Place place) {
         const PathParts parts = SplitPath(path);
         m_places.emplace(parts.folder + "/" + parts.file, place); // a companion never takes a file's place
@@ -118,13 +120,23 @@ PathIndex::PathIndex(const CardListing& listing, std::string root)
     }
 }
 
-/// The name of a folder of the card, empty for any other path.
+/// The name of a folder of the list, empty for any other path.
 std::string PathIndex::FolderName(const std::string& folder) {
     const auto [known, added] = m_knownFolders.try_emplace(folder);
-    if (added) {
-        const CutPath real = Cut(RealPath(folder));
-        known->second = real.folder == m_dcim ? real.file : "";
+    const CutPath real = Cut(added ? RealPath(folder) : "");
+    if (real.folder != m_dcim) {
+        return known->second;
     }
+    const auto named = [&](const CardFolder& listed) { return listed.name == real.file; };
+    const auto meant = [&](const CardFolder& listed) { // a file system that finds names in any case
+        const auto state = LookAt(m_dcim + "/" + listed.name);
+        return EqualNoCase(listed.name, real.file) && state.has_value() && state->IsSame(*LookAt(folder));
+    };
+    auto found = std::find_if(m_folders.begin(), m_folders.end(), named);
+    if (found == m_folders.end()) {
+        found = std::find_if(m_folders.begin(), m_folders.end(), meant);
+    }
+    known->second = found == m_folders.end() ? "" : found->name;
     return known->second;
 }
 

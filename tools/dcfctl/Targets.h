@@ -39,6 +39,7 @@ private:
 
     std::string m_root;
     std::string m_dcim;                                ///< The real path of "DCIM".
+    std::vector<CardFolder> m_folders;                 ///< Of the list.
     std::unordered_map<std::string, Place> m_places;   ///< By folder name, "/", file name.
     std::map<std::string, std::string> m_knownFolders; ///< Names of folders by the paths that were asked for.
 };

@@ -20,7 +20,7 @@ constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
 std::array<struct sigaction, 3> g_before;
 volatile std::sig_atomic_t g_interrupted = 0;
 
-extern "C" void NoteInterrupt(int /*signal*/) {
+extern "C" void RememberInterruption(int /*signal*/) {
     g_interrupted = 1;
 }
 
@@ -100,7 +100,7 @@ bool Ask(Output& err, const std::string& question) {
 InterruptGuard::InterruptGuard() {
     g_interrupted = 0;
     struct sigaction action = {};
-    action.sa_handler = NoteInterrupt;
+    action.sa_handler = RememberInterruption;
     sigemptyset(&action.sa_mask);
     for (std::size_t i = 0; i < g_before.size(); ++i) {
         (void)sigaction(kSignals[i], &action, &g_before[i]); // these can always be caught

@@ -100,7 +100,7 @@ std::size_t UnescapeFront(std::string_view text, std::string& out) {
     if (text.empty()) {
         return 0;
     }
-    constexpr std::string_view kPlain = "\\\"' ";
+    constexpr std::string_view kPlain = "\\\"' #";
     if (kPlain.find(text[0]) != std::string_view::npos) {
         out += text[0];
         return 1;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "ChangeText.h"
 #include "DcfNames.h"
 #include "Renderer.h"
 #include "Text.h"
@@ -80,14 +81,52 @@ public:
         Out().Flush();
     }
 
+    void Announce(const RemovalPlan& plan) override {
+        Out().Write(Change().Of(plan, false));
+        Out().Flush();
+    }
+
 protected:
     void Put(const Report<ListResult>& report) override;
     void Put(const Report<CountResult>& report) override;
     void Put(const Report<ShowResult>& report) override;
     void Put(const Report<SampleResult>& report) override;
+    void Put(const Report<RemovalResult>& report) override {
+        PutChange(report);
+    }
+    void Put(const Report<ProtectionResult>& report) override {
+        PutChange(report);
+    }
+    void Put(const Report<LatestNameResult>& report) override {
+        PutChange(report);
+    }
+    void Put(const Report<CapacityResult>& report) override {
+        PutChange(report);
+    }
+    void Put(const Report<NextNameResult>& report) override {
+        PutChange(report);
+    }
+    void Put(const Report<AddResult>& report) override {
+        PutChange(report);
+    }
+    void Put(const Report<RenumberResult>& report) override {
+        PutChange(report);
+    }
+    void Put(const Report<SeriesResult>& report) override {
+        PutChange(report);
+    }
     void Put(const ShellReply& reply) override;
 
 private:
+    template <typename Value>
+    void PutChange(const Report<Value>& report) {
+        if (report.value.has_value()) {
+            Out().Write(Change().Of(*report.value));
+        }
+    }
+    [[nodiscard]] ChangeText Change() {
+        return ChangeText([this](std::string_view name) { return Name(name); });
+    }
     void PutTable(const ListResult& list);
     void PutPaths(const ListResult& list);
     [[nodiscard]] std::string Name(std::string_view bytes);

@@ -1,5 +1,5 @@
-// dcfctl: lists and browses the pictures and movies of a DCF card. This file reads the command line and hands over to
-// the verbs; what they return goes to the renderer.
+// dcfctl: lists, browses and changes the pictures and movies of a DCF card. This file reads the command line and hands
+// over to the verbs; what they return goes to the renderer.
 #include <CLI/CLI.hpp>
 #include <unistd.h>
 
@@ -11,6 +11,7 @@
 #include <string>
 
 #include "CardInspector.h"
+#include "ChangeCommands.h"
 #include "DcfNames.h"
 #include "ExitCodes.h"
 #include "ListVerbs.h"
@@ -38,6 +39,7 @@ struct Request {
     bool noCamera = false;
     bool paths = false;
     bool nul = false;
+    ChangeRequest change;
 };
 
 std::string ExitCodeHelp() {
@@ -48,9 +50,10 @@ std::string ExitCodeHelp() {
     return text;
 }
 
+/// What the checks say is escaped later, with everything else that the parser has to say (see Run).
 void AddTypeOption(CLI::App& verb, Request& request, const char* help) {
     verb.add_option("--type", request.type, help)->type_name("TYPE")->check([](const std::string& text) {
-        return TypeFromText(text).has_value() ? "" : Quoted(text) + " is no type; use JPG, SRW, MPO, MP4 or AVI";
+        return TypeFromText(text).has_value() ? "" : "'" + text + "' is no type; use JPG, SRW, MPO, MP4 or AVI";
     });
 }
 
@@ -68,7 +71,7 @@ void AddVerbs(CLI::App& app, Request& request) {
         ->type_name("N")
         ->check([](const std::string& text) {
             const auto number = WholeNumber(text);
-            return number.has_value() && *number >= 0 ? "" : Quoted(text) + " is no number of files; use 0 or more";
+            return number.has_value() && *number >= 0 ? "" : "'" + text + "' is no number of files; use 0 or more";
         });
     AddReadingOptions(*ls, request);
     CLI::Option* paths = ls->add_flag("--paths", request.paths, "Only the paths, one a line");
@@ -111,6 +114,7 @@ void Describe(CLI::App& app, Request& request) {
     app.require_subcommand(0, 1); // a missing one is told below, in the words of this tool
     app.get_formatter()->label("SUBCOMMAND", "VERB");
     AddVerbs(app, request);
+    AddChangeVerbs(app, request.change, request.json, request.noCamera);
     app.footer(ExitCodeHelp());
 }
 
@@ -124,8 +128,11 @@ Format FormatOf(const Request& request) {
     return request.paths ? Format::kPaths : Format::kText;
 }
 
-ExitCode RunVerb(const CLI::App& app, Request& request, Renderer& renderer, const Output& out) {
+ExitCode RunVerb(const CLI::App& app, Request& request, Renderer& renderer, const Output& out, Output& err) {
     const CardOptions card = {NormalisedRoot(request.card), !request.noCamera};
+    if (const auto code = RunChangeVerb(app, request.change, card, renderer, err)) {
+        return *code;
+    }
     const auto type = TypeFromText(request.type);
     if (app.got_subcommand("ls")) {
         request.list.type = type;
@@ -172,7 +179,7 @@ std::string FindMistake(const CLI::App& app, const Request& request) {
 ExitCode Run(int argc, char** argv, Output& out, Output& err) {
     const auto textRenderer = MakeTextRenderer(Format::kText, out, err);
     Request request;
-    CLI::App app("Lists and browses the pictures and movies of a DCF memory card.");
+    CLI::App app("Lists, browses and changes the pictures and movies of a DCF memory card.");
     Describe(app, request);
     Renderer& text = *textRenderer;
     try {
@@ -193,7 +200,7 @@ ExitCode Run(int argc, char** argv, Output& out, Output& err) {
         text.SayError(mistake + "; see dcfctl --help");
         return ExitCode::kUsage;
     }
-    return RunVerb(app, request, *MakeRenderer(FormatOf(request), out, err), out);
+    return RunVerb(app, request, *MakeRenderer(FormatOf(request), out, err), out, err);
 }
 
 /// A reader that has had enough is no news; any other failure is.

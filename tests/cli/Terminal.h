@@ -1,0 +1,53 @@
+// Terminal: dcfctl at a pseudo-terminal, with a person who types and waits for what appears. One thread.
+#ifndef TESTS_CLI_TERMINAL_H
+#define TESTS_CLI_TERMINAL_H
+
+#include <sys/types.h>
+
+#include <string>
+
+#include "Cli.h"
+
+namespace clitest {
+
+class Terminal {
+public:
+    /// Starts dcfctl; its standard streams are the terminal.
+    explicit Terminal(const Words& arguments, const Options& options = {});
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+    /// Ends it if it still runs.
+    ~Terminal();
+
+    void Type(const std::string& keys);
+    /// Waits until the text appears behind what was waited for before. @return whether it did within ten seconds.
+    [[nodiscard]] bool Shows(const std::string& text);
+    /// Waits for the end. @return the exit code, -1 when a signal ended it or when it did not end in time.
+    [[nodiscard]] int End();
+    /// Whether the terminal shows what is typed and hands out whole lines, as it did at the start.
+    [[nodiscard]] bool IsAsAtTheStart() const;
+    /// Waits for the prompt and until the editor has the terminal: keys typed before are not the editor's.
+    [[nodiscard]] bool ShowsPrompt();
+    /// Everything that has appeared, with line ends as the terminal has them.
+    [[nodiscard]] const std::string& Screen() const {
+        return m_screen;
+    }
+
+private:
+    /// Takes up what has come. @return false at the end.
+    bool Drain(int milliseconds);
+
+    pid_t m_child;
+    int m_terminal = -1;
+    std::string m_screen;
+    std::size_t m_seen = 0;
+};
+
+inline constexpr char kTab[] = "\t";
+inline constexpr char kUp[] = "\x1b[A";
+inline constexpr char kInterrupt[] = "\x03";
+inline constexpr char kEndOfInput[] = "\x04";
+
+} // namespace clitest
+
+#endif
