@@ -107,7 +107,8 @@ std::optional<Finding> CheckCursorAfterwards(const ShellState& state, const Oper
         const std::string path = DcimOf(state.listedRoot) + "/" + folder;
         const FolderContents contents(path, folder == kCamera);
         const std::vector<std::string>& names = contents.Names();
-        if (std::all_of(names.begin(), names.end(), [&](const std::string& name) { return doomed.count(name) > 0; })) {
+        if (std::all_of(names.begin(), names.end(),
+                        [&doomed = doomed](const std::string& name) { return doomed.count(name) > 0; })) {
             return Refusal(operation, "folder-lost-files",
                            "the files of " + Quoted(path) +
                                " are no longer all on the card, so the cursor would be lost; Create and Listup list "

@@ -78,7 +78,7 @@ std::vector<Shot> PairUp(const std::vector<Source>& sources) {
     for (const auto& [stem, places] : byStem) {
         std::vector<Shot> alike;
         std::vector<std::size_t> first;
-        const auto add = [&](auto belongs) {
+        const auto add = [&, &places = places](auto belongs) {
             for (const std::size_t place : places) {
                 if (!belongs(sources[place].type)) {
                     continue;
