@@ -1,7 +1,6 @@
 // Finding the files that are meant; see the header.
 #include "Targets.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <filesystem>
 #include <set>
@@ -31,13 +30,6 @@ CutPath Cut(const std::string& path) {
     return {slash == 0 ? "/" : path.substr(0, slash), path.substr(slash + 1)};
 }
 
-std::string WithoutSlashes(std::string path) {
-    while (path.size() > 1 && path.back() == '/') {
-        path.pop_back();
-    }
-    return path;
-}
-
 /// The real path, empty when there is none.
 std::string RealPath(const std::string& path) {
     std::error_code error;
@@ -46,9 +38,10 @@ std::string RealPath(const std::string& path) {
 }
 
 Finding UnknownPath(PathIndex& index, const std::string& path) {
-    if (index.IsFolder(WithoutSlashes(path))) {
+    const std::string folder = index.FindFolder(path);
+    if (!folder.empty()) {
         return Refused("folder-named", Quoted(path) + " is a folder; name the files, 'dcfctl ls --dir " +
-                                           Escaped(Cut(WithoutSlashes(path)).file) + " --paths' shows them");
+                                           Escaped(folder) + " --paths' shows them");
     }
     return Refused("unknown-path",
                    "the list has no file " + Quoted(path) + "; 'dcfctl ls --paths' shows the paths there are");
@@ -123,20 +116,20 @@ PathIndex::PathIndex(const CardListing& listing, std::string root)
 /// The name of a folder of the list, empty for any other path.
 std::string PathIndex::FolderName(const std::string& folder) {
     const auto [known, added] = m_knownFolders.try_emplace(folder);
-    const CutPath real = Cut(added ? RealPath(folder) : "");
-    if (real.folder != m_dcim) {
+    if (!added) {
         return known->second;
     }
-    const auto named = [&](const CardFolder& listed) { return listed.name == real.file; };
-    const auto meant = [&](const CardFolder& listed) { // a file system that finds names in any case
-        const auto state = LookAt(m_dcim + "/" + listed.name);
-        return EqualNoCase(listed.name, real.file) && state.has_value() && state->IsSame(*LookAt(folder));
-    };
-    auto found = std::find_if(m_folders.begin(), m_folders.end(), named);
-    if (found == m_folders.end()) {
-        found = std::find_if(m_folders.begin(), m_folders.end(), meant);
+    const CutPath real = Cut(RealPath(folder));
+    const auto state = real.folder == m_dcim ? LookAt(m_dcim + "/" + real.file) : std::nullopt;
+    for (const CardFolder& listed : m_folders) {
+        // On a file system that finds names in any case, the person may have typed another one.
+        const bool alike = state.has_value() && EqualNoCase(listed.name, real.file);
+        const auto same = alike ? LookAt(m_dcim + "/" + listed.name) : std::nullopt;
+        if (same.has_value() && same->IsSame(*state)) {
+            known->second = listed.name;
+            break;
+        }
     }
-    known->second = found == m_folders.end() ? "" : found->name;
     return known->second;
 }
 
@@ -168,8 +161,9 @@ std::optional<PathIndex::Place> PathIndex::Find(const std::string& path) {
     return std::nullopt;
 }
 
-bool PathIndex::IsFolder(const std::string& path) {
-    return !path.empty() && !FolderNames(path).empty();
+std::string PathIndex::FindFolder(const std::string& path) {
+    const std::vector<std::string> names = path.empty() ? std::vector<std::string>() : FolderNames(path);
+    return names.empty() ? "" : names.front();
 }
 
 std::variant<std::vector<FileEntry>, Finding> FindTargets(const CardListing& listing, const std::string& root,

@@ -30,8 +30,8 @@ public:
         bool companion; ///< The path is that of the file's companion.
     };
     [[nodiscard]] std::optional<Place> Find(const std::string& path);
-    /// Whether the path is that of a folder of the list.
-    [[nodiscard]] bool IsFolder(const std::string& path);
+    /// The name of the folder of the list that a path is the path of; empty for any other path.
+    [[nodiscard]] std::string FindFolder(const std::string& path);
 
 private:
     [[nodiscard]] std::vector<std::string> FolderNames(const std::string& path);

@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <random>
 
 namespace clitest {
 
@@ -17,18 +16,6 @@ namespace fs = std::filesystem;
 
 ChangeCard::ChangeCard() {
     fs::create_directories(Dcim());
-}
-
-ChangeCard& ChangeCard::AddUpsettingFolders(int variant) {
-    std::minstd_rand engine(static_cast<unsigned>(variant) + 1);
-    for (int count = variant % 5; count >= 0; --count) {
-        std::string name = "Z";
-        while (name.size() < 8) {
-            name += static_cast<char>('a' + engine() % 26);
-        }
-        AddDir(name);
-    }
-    return *this;
 }
 
 std::string ChangeCard::ContentOf(const std::string& folder, const std::string& name) {

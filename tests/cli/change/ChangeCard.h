@@ -23,9 +23,6 @@ public:
     /// Makes files with their contents.
     ChangeCard& Put(const std::string& folder, const std::vector<std::string>& names);
     ChangeCard& PutProtected(const std::string& folder, const std::vector<std::string>& names);
-    /// Makes folders whose names stand behind "Camera" and break the order of the listing, so that "Camera" may come
-    /// first; which it does depends on the order in which the system reads them, and differs with the variant.
-    ChangeCard& AddUpsettingFolders(int variant);
     /// What a file made by Put holds.
     static std::string ContentOf(const std::string& folder, const std::string& name);
     /// Whether a file made by Put is still there, whole.
