@@ -111,7 +111,7 @@ void DCFItem::setWifi(bool on) {
 bool DCFItem::getProtect() {
     if (!m_bProtectKnown) {
         char path[KELP_DCF_MAX_FILE_NAME_LEN];
-        kelp::Compose(path, sizeof path, "%s/%s", DirPathMapper::getInstance()->getPath(m_nDirNum).c_str(), m_fileName);
+        kelp::Join(path, sizeof path, {DirPathMapper::getInstance()->getPath(m_nDirNum).c_str(), "/", m_fileName});
         setProtect(PCSDCFFSIO::IsProtect(path));
     }
     return m_bProtect;

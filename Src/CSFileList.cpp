@@ -308,16 +308,28 @@ int CSFileList::UpdateFirstIndex(bool ignoreSeries) {
 
 bool CSFileList::IsSel(int nIdx) {
     KELP_LOG("start");
-    return std::find(m_vecSel.begin(), m_vecSel.end(), nIdx) != m_vecSel.end();
+    return Selected().Contains(nIdx);
 }
 
 void CSFileList::SetSel(int nIdx, bool on) {
     KELP_LOG("start");
-    if (!on) {
-        std::erase(m_vecSel, nIdx);
-    } else if (std::find(m_vecSel.begin(), m_vecSel.end(), nIdx) == m_vecSel.end()) {
-        m_vecSel.push_back(nIdx);
+    kelp::PositionSet& selected = Selected();
+    if (selected.Contains(nIdx) == on) {
+        return;
     }
+    if (on) {
+        selected.Insert(nIdx);
+        m_vecSel.push_back(nIdx);
+    } else {
+        selected.Erase(nIdx);
+        std::erase(m_vecSel, nIdx);
+    }
+}
+
+/// The selection as a set. It grows and shrinks with m_vecSel here, and matches it anew when that was emptied.
+kelp::PositionSet& CSFileList::Selected() {
+    m_selected.Match(m_vecSel);
+    return m_selected;
 }
 
 void CSFileList::SelectCancel() {
