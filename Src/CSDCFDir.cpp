@@ -198,7 +198,12 @@ void CSDCFDir::RemoveItem(int index) {
 void CSDCFDir::RemoveItems(const std::vector<int>& indices) {
     const bool ascending = std::adjacent_find(indices.begin(), indices.end(), std::greater_equal<>()) == indices.end();
     if (!ascending) {
-        std::for_each(indices.rbegin(), indices.rend(), [this](int index) { RemoveItem(index); });
+        // To the letter, one removal after the other; a position that holds no item by then removes nothing.
+        for (auto index = indices.rbegin(); index != indices.rend(); ++index) {
+            if (*index >= 0 && *index < GetCount()) {
+                RemoveItem(*index);
+            }
+        }
         return;
     }
     // The same in one pass, since every position means the one before any removal.

@@ -154,6 +154,18 @@ TEST_F(TreeDeleteSet, TakesItemsOutInTheGivenOrderWhenItIsNotAscending) {
     EXPECT_EQ(TreeTexts(*tree), (Texts{"100ABCDE: 3 2"})) << "4 at position 0, then 1, which is at position 2 by then";
 }
 
+TEST_F(TreeDeleteSet, OfAPositionTwiceStaysWithinTheDirectory) {
+    card.AddFiles("100ABCDE", {DcfName(2), DcfName(1)});
+    List();
+    EXPECT_EQ(DeleteCalls({1, 1}),
+              (Texts{"stat 100ABCDE/KVR_0001.JPG", "unlink 100ABCDE/KVR_0001.JPG", "stat 100ABCDE/KVR_0001.JPG",
+                     "unlink 100ABCDE/KVR_0001.JPG", "remove 100ABCDE/KVR_0001.JPG", "opendir 100ABCDE"}));
+    EXPECT_EQ(TreeTexts(*tree), (Texts{"100ABCDE: 2"}));
+    tree->Delete(Positions{0, 0});
+    EXPECT_EQ(TreeTexts(*tree), Texts{});
+    EXPECT_EQ(tree->GetCount(), 0);
+}
+
 TEST_F(TreeDeleteSet, TakesItemsOutEvenWhenTheCardKeepsTheFiles) {
     ListFour();
     const Texts before = CardTexts(card);
