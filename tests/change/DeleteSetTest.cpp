@@ -77,6 +77,18 @@ TEST_F(TreeDeleteSet, OfAWholeDirectoryRemovesItFromListAndCard) {
     EXPECT_FALSE(card.Exists("100ABCDE"));
 }
 
+TEST_F(TreeDeleteSet, DestroysTheDirectoriesThatItDrops) {
+    ListFour();
+    Texts destroyed;
+    for (int didx = 0; didx < 4; ++didx) {
+        const std::string name = tree->m_dirGroup[static_cast<std::size_t>(didx)]->m_strDirName;
+        Watch(*tree, didx, [&destroyed, name] { destroyed.push_back(name); });
+    }
+    tree->Delete(Positions{3, 4, 8});
+    EXPECT_EQ(destroyed, (Texts{"102ABCDE"})) << "101 is passed over, and 8 is no position of 100 any more";
+    tree.reset(); // while what the watches note in is there
+}
+
 // The quirk that clients must know: the directory behind an emptied one is not visited, and what was meant for it meets
 // the one after it, by position.
 TEST_F(TreeDeleteSet, PassesOverTheDirectoryBehindAnEmptiedOneAndAppliesItsPositionsToTheNext) {
