@@ -202,11 +202,11 @@ void CSDCFDir::RemoveItems(const std::vector<int>& indices) {
     const bool ascending = std::adjacent_find(indices.begin(), indices.end(), std::greater_equal<>()) == indices.end();
     if (!ascending) {
         // To the letter, one removal after the other; a position that holds no item by then removes nothing.
-        for (auto index = indices.rbegin(); index != indices.rend(); ++index) {
-            if (*index >= 0 && *index < GetCount()) {
-                RemoveItem(*index);
+        std::for_each(indices.rbegin(), indices.rend(), [this](int index) {
+            if (index >= 0 && index < GetCount()) {
+                RemoveItem(index);
             }
-        }
+        });
         return;
     }
     // The same in one pass, since every position means the one before any removal.
