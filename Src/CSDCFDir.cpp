@@ -46,7 +46,7 @@ CSDCFDir::~CSDCFDir() {
 
 void CSDCFDir::SetDirName(const char* pDirName) {
     KELP_ASSERT_AS(pDirName != nullptr, "pDirName != NULL", "pDirName != NULL", "cannot be null");
-    KELP_ASSERT(strlen(pDirName) < KELP_DCF_MAX_FILE_NAME_LEN, "too long dir name = d");
+    KELP_ASSERT(strlen(pDirName) < KELP_DCF_MAX_FILE_NAME_LEN, "too long dir name = d"); // Deliberate: as it stands.
     kelp::CopyText(m_strDirName, pDirName);
     NoteChange();
 }
@@ -114,6 +114,8 @@ int CSDCFDir::CheckFileNameSyntaxNonDCF(char* name) {
         return FILE_TYPE_NONE;
     }
     MakeUpperCase(name, false);
+    // Deliberate: the last three letters alone count. No dot is looked for, and what stands in the number's place is
+    // read the standard way, blanks and a sign included.
     const eFileType type = kelp::TypeOfExtension(name + length - kelp::kExtensionLength);
     const bool movie = type == FILE_TYPE_MP4 || type == FILE_TYPE_AVI;
     return movie ? FILE_TYPE_NONE : type;
@@ -151,6 +153,7 @@ int CSDCFDir::GetCount() {
 }
 
 int CSDCFDir::GetCountByType(eFileType type) {
+    // Deliberate: a companion counts with the item that it belongs to, and an item once.
     return static_cast<int>(std::count_if(m_itemGroup.begin(), m_itemGroup.end(), [type](const DCFItem& item) {
         return item.m_eFileType == type || item.m_eObjectType == type;
     }));
@@ -242,7 +245,12 @@ void CSDCFDir::RemoveItem(int index) {
 void CSDCFDir::RemoveItems(const std::vector<int>& indices) {
     const bool ascending = std::adjacent_find(indices.begin(), indices.end(), std::greater_equal<>()) == indices.end();
     if (!ascending) {
-        std::for_each(indices.rbegin(), indices.rend(), [this](int index) { RemoveItem(index); });
+        // To the letter, one removal after the other; a position that holds no item by then removes nothing.
+        std::for_each(indices.rbegin(), indices.rend(), [this](int index) {
+            if (index >= 0 && index < GetCount()) {
+                RemoveItem(index);
+            }
+        });
         return;
     }
     // The same in one pass, since every position means the one before any removal.

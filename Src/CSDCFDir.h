@@ -69,7 +69,8 @@ public:
     void AddHeadObject(eFileType type);
     /// The position must be valid.
     void RemoveItem(int index);
-    /// Removes positions given in ascending order, from the last given to the first.
+    /// Removes positions given in ascending order, from the last given to the first. In another order each one means
+    /// the place that it has by then; one without an item removes nothing.
     void RemoveItems(const std::vector<int>& indices);
     /// Removes every item that is not protected; asks the card where the state is not known.
     void RemoveAllItems();

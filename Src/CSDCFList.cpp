@@ -1,5 +1,6 @@
-// The DCF tree; see the header. Sections in the order of a client's road: listing, numbering, paths, cursor,
-// conversion.
+// The DCF tree; see the header. Sections in the order of a client's road: directory registry, construction and listing,
+// directories and counts, numbering, paths, the cursor, items by position and by path, conversion and metadata,
+// deletion, protection and Wi-Fi marks, new files and renumbering.
 #include "CSDCFList.h"
 
 #include <pthread.h>
@@ -117,7 +118,7 @@ void DirPathMapper::add(int dnum, const std::string& path) {
 }
 
 std::string DirPathMapper::getPath(int dnum) {
-    return m_mapPath[dnum];
+    return m_mapPath[dnum]; // Deliberate: an unknown number is entered, with an empty path.
 }
 
 // ---- Construction and listing ----
@@ -158,7 +159,7 @@ int CSDCFList::Listup(bool includeCamera) {
     kelp::Join(path, sizeof path, {m_szBaseURI, "/", kelp::kDcimName});
     PCSDCFFSIO listing(path, true);
     if (listing.m_nTotal < 0) {
-        return kelp::kSuccess;
+        return kelp::kSuccess; // Deliberate: an empty list, no error; the registry keeps what it held.
     }
     DirPathMapper::getInstance()->clear();
 
@@ -199,6 +200,8 @@ bool CSDCFList::CheckDirNameSyntax(const std::string& name) {
     if (name.length() != kelp::kDirNameLength) {
         return false;
     }
+    // Deliberate: the standard conversion, which passes over blanks, a sign and zeros in front. GetDnum reads three
+    // characters alone, so such a name has a number below 100 and is not listed, or passes for 99 ("0999ABCD").
     try {
         const int number = std::stoi(name);
         return number >= kelp::kMinDirNumber && number <= kelp::kMaxDirNumber;
@@ -301,7 +304,7 @@ int CSDCFList::GetListIndex(const char* path) {
     int dnum = 0;
     int fnum = 0;
     GetNum(path, &dnum, &fnum);
-    const int didx = GetDidx(path);
+    const int didx = GetDidx(path); // Deliberate: the directory by its name, the file by its number.
     if (didx < 0) {
         return kelp::kNotFound;
     }
@@ -408,6 +411,7 @@ int CSDCFList::SetCurFile(const char* path) {
     GetNum(path, &dnum, &fnum);
     const int didx = GetDirIndex(dnum);
     m_CurFileIndex = Dir(didx).GetFidx(fnum);
+    // Deliberate: the cursor's numbers are the path's, not the item's.
     SetCurItem(dnum, fnum, didx, Dir(didx).GetItem(m_CurFileIndex));
     return kelp::kSuccess;
 }
@@ -515,7 +519,7 @@ int CSDCFList::GetInfo(char* path, CSFileListItem* pItem) {
     DCFItem item = Dir(didx).GetItem(fidx);
     ConvertFileItem(item, pItem, didx);
     if (std::strlen(path) >= KELP_DCF_MAX_FILE_NAME_LEN) {
-        return kelp::kFailure;
+        return kelp::kFailure; // Deliberate: behind the conversion, so the item is filled all the same.
     }
     kelp::CopyText(pItem->m_strURI, path);
     return kelp::kSuccess;
@@ -527,6 +531,7 @@ int CSDCFList::SetObject(const char* path, eFileType type) {
     GetNum(path, &dnum, &fnum);
     CSDCFDir& dir = Dir(GetDirIndex(dnum));
     if (dir.GetCount() > 0) {
+        // Deliberate: the front item, whatever file the path names: it stands for the one just made.
         dir.AddHeadObject(type);
     }
     return kelp::kSuccess;
@@ -627,6 +632,7 @@ void CSDCFList::Delete(char* path) {
     RemoveFromCard(item, didx);
     Dir(didx).RemoveItem(fidx);
     DropDirectoryIfEmpty(didx);
+    // Deliberate: any other file leaves the first index alone, and no deletion moves the cursor.
     if (didx == 0 && fidx == 0) {
         UpdateFirstIndex(false);
     }
@@ -660,6 +666,7 @@ void CSDCFList::Delete(const std::vector<int>& indices) {
     UpdateFirstIndex(false);
 }
 
+// Deliberate: the tree stays as it was; the file list discards it.
 void CSDCFList::DeleteAll() {
     for (int didx = 0; didx < m_nDirCount; ++didx) {
         for (int fidx = 0; fidx < Dir(didx).GetCount(); ++fidx) {
@@ -674,7 +681,8 @@ void CSDCFList::DeleteAll() {
     }
 }
 
-/// Removes a file and its companion file. Failures are ignored: the item leaves the tree all the same.
+/// Removes a file and its companion file.
+/// Deliberate: failures are ignored; the item leaves the tree all the same, and the next listing shows what stayed.
 void CSDCFList::RemoveFromCard(DCFItem& item, int didx) {
     char path[KELP_DCF_MAX_FILE_NAME_LEN];
     GetFullPath(path, sizeof path, didx, item);
@@ -685,7 +693,8 @@ void CSDCFList::RemoveFromCard(DCFItem& item, int didx) {
     }
 }
 
-/// Takes a directory out of the tree and off the card when the card holds nothing more in it, whatever the tree lists.
+/// Takes a directory out of the tree and off the card when the card holds nothing more in it.
+/// Deliberate: judged by the card, whatever the tree lists in it; one that cannot be opened counts as empty.
 void CSDCFList::DropDirectoryIfEmpty(int didx) {
     char path[KELP_DCF_MAX_FILE_NAME_LEN];
     ComposeDirPath(path, Dir(didx).m_strDirName);
@@ -731,7 +740,7 @@ void CSDCFList::VisitIndices(const std::vector<int>& indices, Visit visit) {
     }
 }
 
-/// Memory first, then the card, whose failure leaves the mark in memory.
+/// Deliberate: memory first, then the card, whose failure leaves the mark in memory until the next listing.
 void CSDCFList::ProtectOne(int didx, int fidx, bool on) {
     Dir(didx).SetProtect(fidx, on);
     DCFItem item = Dir(didx).GetItem(fidx);
@@ -796,7 +805,9 @@ int CSDCFList::GetNewFileName(char* prefix, char* ext, char* out, int outLen, ch
     if (result < 0) {
         return result;
     }
-    (void)BackupSeriesValue(index); // the number is taken on this card, stored or not
+    // Deliberate: in either mode, so that a series switched on later goes on from here. A number that cannot be stored
+    // is taken on this card all the same.
+    (void)BackupSeriesValue(index);
     SetCurFile(out);
     return result;
 }
@@ -863,6 +874,7 @@ int CSDCFList::GetNewFileIndex_SetInfo(int index, char* prefix, char* ext, char*
     GetIndexToNum(index, &dnum, &fnum);
     const auto size = static_cast<std::size_t>(outLen);
     kelp::Compose(out, size, "%s%04d.%s", prefix, fnum, ext);
+    // Deliberate: always the front directory, also where the number was chosen for another one that is not listed.
     CSDCFDir& front = *m_dirGroup.front();
     kelp::TreeIndex& tree = Index();
     front.AddHead(dnum, fnum, out, static_cast<unsigned int>(std::time(nullptr)));
@@ -904,6 +916,7 @@ void CSDCFList::ReorderDirNames() {
         }
         ++number;
     }
-    (void)pref_set_long(kSeriesGroup, kSeriesKey, 0); // the next new name stores the value again
+    // Deliberate: also when nothing could be listed or renamed. A failed write is made good by the next new name.
+    (void)pref_set_long(kSeriesGroup, kSeriesKey, 0);
     sync();
 }
