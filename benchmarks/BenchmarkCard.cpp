@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <iterator>
@@ -135,6 +136,10 @@ void Check(benchmark::State& state, bool holds, const char* what) {
     if (!holds) {
         state.SkipWithError(what);
     }
+}
+
+void CountFiles(benchmark::State& state, int filesPerIteration) {
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * filesPerIteration);
 }
 
 void CheckList(benchmark::State& state, const BenchmarkCard& card, ISFileList& list) {

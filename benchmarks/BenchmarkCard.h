@@ -70,6 +70,9 @@ void CheckList(benchmark::State& state, const BenchmarkCard& card, ISFileList& l
 /// An error in the state unless the condition holds. Behind the timed part.
 void Check(benchmark::State& state, bool holds, const char* what);
 
+/// The number of files that one iteration worked on: what a figure is divided by, so that cards can be compared.
+void CountFiles(benchmark::State& state, int filesPerIteration);
+
 /// Composes a picture's path and that of its companion file as a hand-written loop does, with snprintf, the second one
 /// only where there is a companion.
 void ComposePaths(const BenchmarkCard& card, const Folder& folder, const Picture& picture, CSFileListItem& item);

@@ -2,6 +2,8 @@
 // operation tells whether a picture is protected, asks the card for it with one stat.
 #include <sys/stat.h>
 
+#include <algorithm>
+
 #include "BenchmarkCard.h"
 
 namespace {
@@ -18,6 +20,7 @@ void Browse(benchmark::State& state, Walk walk) {
     for (auto _ : state) {
         met = std::min(met, walk(list, card.shape.Items()));
     }
+    dcfbench::CountFiles(state, card.shape.Items());
     dcfbench::Check(state, met == card.shape.Items(), "the walk did not meet every file");
     CheckList(state, card, list);
 }
@@ -73,6 +76,7 @@ void Floor(benchmark::State& state) {
             }
         }
     }
+    dcfbench::CountFiles(state, card.shape.Items());
     dcfbench::Check(state, met == card.shape.Items(), "the floor did not meet every file");
 }
 

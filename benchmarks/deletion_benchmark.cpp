@@ -8,9 +8,15 @@
 namespace {
 
 using dcfbench::BenchmarkCard;
+using dcfbench::CountFiles;
 using dcfbench::FreshCardOf;
 
 constexpr int kRuns = 3;
+
+/// Every second file of the card.
+int DeletedOf(benchmark::State& state) {
+    return static_cast<int>(state.range(0) * state.range(1) / 2);
+}
 
 bool IsGone(const std::string& path) {
     return access(path.c_str(), F_OK) != 0;
@@ -47,6 +53,7 @@ void DeleteSel(benchmark::State& state) {
         dcfbench::Check(state, list.GetCount() == files / 2 && HalfIsGone(card), "the wrong files are left");
         state.ResumeTiming();
     }
+    CountFiles(state, DeletedOf(state));
 }
 
 void RemovePicture(const BenchmarkCard& card, const dcfbench::Folder& folder, const dcfbench::Picture& picture) {
@@ -78,6 +85,7 @@ void Floor(benchmark::State& state) {
         dcfbench::Check(state, HalfIsGone(card), "the floor left the wrong files");
         state.ResumeTiming();
     }
+    CountFiles(state, DeletedOf(state));
 }
 
 void DeleteAll(benchmark::State& state) {
@@ -91,6 +99,7 @@ void DeleteAll(benchmark::State& state) {
         dcfbench::Check(state, list.GetCount() == 0 && card.card.DirNames().empty(), "a file is left");
         state.ResumeTiming();
     }
+    CountFiles(state, 2 * DeletedOf(state));
 }
 
 // Folders of one picture would be dropped during the walk, which then passes over the next one.

@@ -23,6 +23,7 @@ void GetNewFileName(benchmark::State& state) {
     for (auto _ : state) {
         refused += list.GetNewFileName(path, FILE_TYPE_JPG) == 0 ? 0 : 1;
     }
+    dcfbench::CountFiles(state, 1);
     const int last = card.shape.files + kNames;
     dcfbench::Check(state, refused == 0, "a name was refused");
     dcfbench::Check(state, path == card.card.Path(card.folders.front().name, dcftest::DcfName(last)),
@@ -41,6 +42,7 @@ void Floor(benchmark::State& state) {
         (void)std::snprintf(path, sizeof path, "%s/KVR_%04d.JPG", folder.c_str(), ++number);
         benchmark::DoNotOptimize(path);
     }
+    dcfbench::CountFiles(state, 1);
     dcfbench::Check(state, path == folder + "/" + dcftest::DcfName(number), "the floor's last name is a wrong one");
 }
 

@@ -2,6 +2,8 @@
 // and a chmod by path for each picture and each companion file. The sync behind each is counted and not made.
 #include <sys/stat.h>
 
+#include <algorithm>
+
 #include "BenchmarkCard.h"
 
 namespace {
@@ -29,6 +31,7 @@ void SetProtectAll(benchmark::State& state) {
         on = !on;
         list.SetProtectAll(on);
     }
+    dcfbench::CountFiles(state, card.shape.Items());
     const double syncs = (dcfbench::Syncs() - before) / static_cast<double>(state.iterations());
     dcfbench::Check(state, syncs == EntriesOf(card), "not every file was synced");
     dcfbench::Check(state, AllAre(card, on), "a file has the wrong protection");
@@ -58,6 +61,7 @@ void Floor(benchmark::State& state) {
             }
         }
     }
+    dcfbench::CountFiles(state, card.shape.Items());
     dcfbench::Check(state, AllAre(card, on), "the floor left the wrong protection");
 }
 

@@ -1,5 +1,5 @@
-// Selecting and counting while every file of the card is selected: one call per iteration, the positions in list order.
-// There is no call on the card in it; the floor of the selection is a look into a table of positions.
+// Selecting and counting while every file of the card is selected. There is no call on the card in it; the floor of the
+// selection is a look into a table of positions.
 #include "BenchmarkCard.h"
 
 namespace {
@@ -7,31 +7,43 @@ namespace {
 using dcfbench::BenchmarkCard;
 using dcfbench::CardOf;
 
-/// Calls with one position after the other; counts the calls whose answer is wrong.
+/// Calls with every position in list order; counts the calls whose answer is wrong.
 template <typename Call>
 void EveryPosition(benchmark::State& state, Call call) {
     BenchmarkCard& card = CardOf(state);
     ISFileList& list = card.SelectedList();
     const int files = card.shape.Items();
     int wrong = 0;
-    int position = -1;
     for (auto _ : state) {
-        position = position + 1 < files ? position + 1 : 0;
-        wrong += call(list, card, position) ? 0 : 1;
+        for (int position = 0; position < files; ++position) {
+            wrong += call(list, card, position) ? 0 : 1;
+        }
     }
+    dcfbench::CountFiles(state, files);
     dcfbench::Check(state, wrong == 0, "a call gave a wrong answer");
     dcfbench::Check(state, list.GetSelCount() == files, "not every file is selected");
 }
 
+/// One call per iteration, whose answer is always the same.
+template <typename Call>
+void OneCall(benchmark::State& state, int expected, Call call) {
+    ISFileList& list = CardOf(state).SelectedList();
+    int wrong = 0;
+    for (auto _ : state) {
+        wrong += call(list) == expected ? 0 : 1;
+    }
+    dcfbench::CountFiles(state, 1);
+    dcfbench::Check(state, wrong == 0, "a call gave a wrong answer");
+}
+
 void GetCount(benchmark::State& state) {
-    EveryPosition(
-        state, [](ISFileList& list, const BenchmarkCard& card, int) { return list.GetCount() == card.shape.Items(); });
+    OneCall(state, CardOf(state).shape.Items(), [](ISFileList& list) { return list.GetCount(); });
 }
 
 void GetFileCount(benchmark::State& state) {
-    EveryPosition(state, [](ISFileList& list, const BenchmarkCard& card, int) {
-        return list.GetFileCount(FILE_TYPE_SRW) == card.shape.folders * (card.shape.files / 4);
-    });
+    const dcfbench::Shape shape = CardOf(state).shape;
+    OneCall(state, shape.folders * (shape.files / 4),
+            [](ISFileList& list) { return list.GetFileCount(FILE_TYPE_SRW); });
 }
 
 void SetSel(benchmark::State& state) {
@@ -48,15 +60,16 @@ void IsSel(benchmark::State& state) {
 void SetCurIndex(benchmark::State& state) {
     EveryPosition(state, [](ISFileList& list, const BenchmarkCard&, int position) {
         list.SetCurIndex(position);
-        return true; // judged by the next
+        return true; // judged by the last
     });
+    const int last = CardOf(state).shape.Items() - 1;
+    dcfbench::Check(state, CardOf(state).List().GetCurIndex() == last, "the cursor is not on the last file");
 }
 
 void GetCurIndex(benchmark::State& state) {
-    CardOf(state).SelectedList().SetCurIndex(CardOf(state).shape.Items() - 1);
-    EveryPosition(state, [](ISFileList& list, const BenchmarkCard& card, int) {
-        return list.GetCurIndex() == card.shape.Items() - 1;
-    });
+    const int last = CardOf(state).shape.Items() - 1;
+    CardOf(state).SelectedList().SetCurIndex(last);
+    OneCall(state, last, [](ISFileList& list) { return list.GetCurIndex(); });
 }
 
 void SelectAll(benchmark::State& state) {
@@ -68,6 +81,7 @@ void SelectAll(benchmark::State& state) {
             list.SetSel(position, true);
         }
     }
+    dcfbench::CountFiles(state, card.shape.Items());
     dcfbench::Check(state, list.GetSelCount() == card.shape.Items(), "not every file is selected");
 }
 
