@@ -60,24 +60,28 @@ Shape ShapeOf(const benchmark::State& state) {
     return {static_cast<int>(state.range(0)), static_cast<int>(state.range(1))};
 }
 
-/// Where Card makes its folders. In memory, so that the library is measured and no disk.
-void ChooseFolder() {
+/// Has Card make its folders in memory, so that the library is measured and no disk. @return where.
+std::string ChooseFolder() {
     const char* chosen = std::getenv("DCF_BENCH_DIR");
     const char* folder = chosen != nullptr ? chosen : "/dev/shm";
     if (access(folder, W_OK | X_OK) == 0) {
         setenv("TMPDIR", folder, 1);
-    } else if (chosen != nullptr) {
-        throw std::runtime_error("DCF_BENCH_DIR names no folder that can be written to");
-    } else {
-        static const bool told = std::fprintf(stderr, "There is no /dev/shm: the cards are not in memory.\n") > 0;
-        (void)told;
+        return folder;
     }
+    if (chosen != nullptr) {
+        throw std::runtime_error("DCF_BENCH_DIR names no folder that can be written to");
+    }
+    std::fprintf(stderr, "There is no /dev/shm: the cards are not in memory.\n");
+    return "/";
 }
 
 BenchmarkCard& Renew(Shape shape) {
-    ChooseFolder();
+    static const std::string folder = ChooseFolder();
     s_card.reset(); // first, so that two cards are never there at once
     s_card = std::make_unique<BenchmarkCard>(shape);
+    if (s_card->card.Root().compare(0, folder.size(), folder) != 0) {
+        throw std::runtime_error(folder + " is too long a path for a card: paths on it would be cut");
+    }
     return *s_card;
 }
 
