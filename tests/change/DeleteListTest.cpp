@@ -202,6 +202,17 @@ TEST_F(ListDelete, OfTheSelectionKeepsProtectedFilesAndCountsFromTheFirstSelecte
     EXPECT_TRUE(card.Exists("102ABCDE", DcfName(12)));
 }
 
+TEST_F(ListDelete, OfAllFilesButOneBySelectionPutsTheCursorOnThatOne) {
+    card.AddFiles("100ABCDE", {DcfName(2), DcfName(1)});
+    ASSERT_EQ(List(), 2);
+    ASSERT_EQ(list->SetCurIndex(1), 0);
+    Select({1});
+    EXPECT_EQ(list->DeleteSel(), 0);
+    EXPECT_EQ(list->m_nList, 1);
+    EXPECT_EQ(CursorOf(*list->m_pDCF), (Cursor{100, 2, 0, 0, 0}));
+    EXPECT_EQ(list->m_nCurGetAtIdx, 0);
+}
+
 TEST_F(ListDelete, OfEveryFileBySelectionMovesNoCursor) {
     card.AddFiles("100ABCDE", {DcfName(2), DcfName(1)});
     ASSERT_EQ(List(), 2);
@@ -327,6 +338,19 @@ TEST_F(ListDelete, OfEverythingSyncsBeforeSelectionAndTreeGo) {
     EXPECT_EQ(selectedAtSync, (Positions{3}));
     EXPECT_EQ(treeAtSync, tree);
     EXPECT_EQ(list->GetSelCount(), 0);
+}
+
+TEST_F(ListDelete, OfEverythingDestroysTheOldTreeBeforeItListsAgain) {
+    ListTen();
+    std::int32_t listupDoneThen = -1;
+    int destroyed = 0;
+    Watch(*list->m_pDCF, 2, [&] {
+        ++destroyed;
+        listupDoneThen = list->listupDone;
+    });
+    EXPECT_EQ(list->DeleteAll(), 0);
+    EXPECT_EQ(destroyed, 1);
+    EXPECT_EQ(listupDoneThen, 1);
 }
 
 TEST_F(ListDelete, OfEverythingShowsWhatTheCardKept) {

@@ -169,6 +169,20 @@ TEST_F(ListRenumber, ListsTheCardAgain) {
     EXPECT_EQ(FakePlatform::Get().PropertyCalls().size(), 1U) << "a new tree";
 }
 
+TEST_F(ListRenumber, DestroysTheOldTreeBehindTheRenames) {
+    card.AddFiles("105BBBBB", {DcfName(2)});
+    ASSERT_EQ(List(), 1);
+    int destroyed = 0;
+    bool renamedThen = false;
+    Watch(*list->m_pDCF, 0, [&] {
+        ++destroyed;
+        renamedThen = card.Exists("100BBBBB");
+    });
+    EXPECT_EQ(list->RenameDCFFullStorage(), 1);
+    EXPECT_EQ(destroyed, 1);
+    EXPECT_TRUE(renamedThen);
+}
+
 TEST_F(ListRenumber, KeepsTheSettings) {
     card.AddFiles("105BBBBB", {DcfName(2)});
     ASSERT_EQ(List(), 1);

@@ -73,6 +73,14 @@ TEST_F(ItemPathTest, IsRootDcimDirectoryAndName) {
     }
 }
 
+TEST_F(ItemPathTest, OfADirectoryNeedsOneCharacterOfAName) {
+    m_list.m_dirGroup[0]->SetDirName("1");
+    Buffer buffer;
+    DCFItem item = Item(100, "KVR_0012.JPG");
+    m_list.GetFullPath(buffer.text, sizeof buffer.text, 0, item);
+    EXPECT_STREQ(buffer.text, "/mnt/mmc/DCIM/1/KVR_0012.JPG");
+}
+
 TEST_F(ItemPathTest, OfADirectoryWithoutANameIsFatal) {
     m_list.m_dirGroup[1]->SetDirName("");
     const auto ending = RunInChild([&] {
