@@ -58,10 +58,12 @@ std::vector<FileEntry> BrowseModel::Chosen() const {
 
 bool BrowseModel::FindsAgain(const std::vector<FileEntry>& files) const {
     ISFileList& list = List();
+    // Placing the cursor makes the look-up that marks and deletions make; here it moves in the child process alone.
     const auto lookUp = [&] {
         for (const FileEntry& file : files) {
             std::string path = file.path;
-            if (list.GetFileListIndex(path.data()) != file.position) {
+            (void)list.SetCur(path.data()); // the position tells where it has led
+            if (list.GetCurIndex() != file.position) {
                 throw std::runtime_error("another file");
             }
         }

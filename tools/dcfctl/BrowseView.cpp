@@ -24,6 +24,7 @@ constexpr int kLeastColumns = 40;
 constexpr int kAbove = 2;
 constexpr int kBelow = 2;
 constexpr int kListColumns = 46;
+constexpr int kMostListColumns = 64;
 /// With less, the details have no place.
 constexpr int kLeastDetails = 28;
 constexpr int kLeastPreviewRows = 4;
@@ -138,7 +139,9 @@ int BrowseView::ListRows() const {
 
 int BrowseView::ListColumns() const {
     const int columns = Screen().columns;
-    return columns >= kListColumns + 1 + kLeastDetails ? kListColumns : columns;
+    constexpr int kDetails = 46; // of what a wide screen has more, the details have theirs first
+    return columns >= kListColumns + 1 + kLeastDetails ? std::clamp(columns - kDetails, kListColumns, kMostListColumns)
+                                                       : columns;
 }
 
 // ---- The list

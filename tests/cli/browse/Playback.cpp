@@ -95,7 +95,7 @@ bool Playback::Comes(const std::function<bool()>& condition) {
 }
 
 bool Playback::Shows(const std::string& text) {
-    return Comes([&] { return Text().find(text) != std::string::npos; });
+    return Comes([&] { return Text().find(text) != std::string::npos || Flowing().find(text) != std::string::npos; });
 }
 
 bool Playback::Hides(const std::string& text) {
@@ -159,6 +159,15 @@ std::string Playback::Text() const {
     std::string text;
     for (int row = 0; row < m_size.rows; ++row) {
         text += Line(row) + "\n";
+    }
+    return text;
+}
+
+std::string Playback::Flowing() const {
+    std::string text;
+    for (int row = 0; row < m_size.rows; ++row) {
+        const std::string line = Line(row);
+        text += line.substr(0, line.find_last_not_of(' ') + 1) + " ";
     }
     return text;
 }

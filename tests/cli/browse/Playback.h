@@ -39,7 +39,7 @@ public:
     ~Playback();
 
     void Type(const std::string& keys);
-    /// Waits until the text stands on the screen, in one line. @return whether it did within ten seconds.
+    /// Waits until the text stands on the screen, in one line or, at its blanks, in several. @return whether it did within ten seconds.
     [[nodiscard]] bool Shows(const std::string& text);
     /// Waits until it stands there no more.
     [[nodiscard]] bool Hides(const std::string& text);
@@ -75,6 +75,8 @@ public:
     }
 
 private:
+    /// The screen as one line, without what fills its lines up.
+    [[nodiscard]] std::string Flowing() const;
     static int TakeProperty(VTermProp property, VTermValue* value, void* self);
     void Feed();
     [[nodiscard]] VTermScreenCell Cell(int row, int column) const;
