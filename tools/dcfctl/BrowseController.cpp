@@ -271,6 +271,8 @@ void BrowseController::HandleAnswer(const ScreenEvent& event) {
 
 void BrowseController::Relist() {
     m_preview.Drop();
+    Tell({true, "Listing the card..."});
+    m_view.Draw(m_model, m_scene, m_preview);
     if (const auto refusal = m_model.Open()) {
         Tell({false, refusal->text});
         return;
@@ -331,12 +333,21 @@ void BrowseController::FetchRows() {
     if (m_rowsOld || top != m_scene.top || static_cast<int>(m_scene.rows.size()) != wanted) {
         m_scene.top = top;
         m_scene.rows = m_model.Rows(top, rows);
+        m_photoOf = -1;
         m_rowsOld = false;
+    }
+}
+
+void BrowseController::FetchPhoto() {
+    if (m_photoOf != m_model.Cursor()) {
+        m_photoOf = m_model.Cursor();
+        m_scene.photo = m_model.Photo();
     }
 }
 
 void BrowseController::Draw() {
     FetchRows();
+    FetchPhoto();
     m_view.Draw(m_model, m_scene, m_preview);
 }
 

@@ -44,6 +44,7 @@ private:
 
     void Draw();
     void FetchRows();
+    void FetchPhoto();
     void FollowPreview();
 
     BrowseModel& m_model;
@@ -54,6 +55,7 @@ private:
     Mode m_mode = Mode::kKeys;
     std::string m_searched;
     bool m_rowsOld = true; ///< The rows have to be fetched again.
+    int m_photoOf = -1;    ///< The position of which the metadata was fetched.
     bool m_gone = false;   ///< The card was not there when it was looked at last.
 };
 

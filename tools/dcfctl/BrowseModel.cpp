@@ -65,6 +65,7 @@ std::optional<Finding> BrowseModel::Open() {
         m_listing.reset();
         return refusal;
     }
+    CollectPhotoFacts(List());
     m_known = m_listing->Inspected();
     m_untrue = false;
     TakeUpCursor();
@@ -112,6 +113,24 @@ std::vector<BrowseRow> BrowseModel::Rows(int from, int count) {
         rows.push_back({std::move(file), selected});
     }
     return rows;
+}
+
+/// The first conversion of a file stores its metadata, and the next one carries it.
+BrowseFacts BrowseModel::Photo() const {
+    BrowseFacts facts;
+    if (!CanCollectPhotoFacts() || m_cursor < 0 || CheckThere().has_value()) {
+        return facts;
+    }
+    const auto read = [&] {
+        CSFileListItem item;
+        (void)List().GetAt(m_cursor, &item); // 0 for every position of the list
+        (void)List().GetAt(m_cursor, &item);
+        facts = PhotoFacts(item);
+    };
+    if (FindsAgain({m_listing->Simple(m_cursor)}) && Rehearse(read) != Rehearsed::kFatal) {
+        read();
+    }
+    return facts;
 }
 
 // ---- Moves ----
@@ -244,7 +263,8 @@ BrowseReply BrowseModel::ToPath(const std::string& text) {
     if (path.empty()) {
         return {};
     }
-    const auto place = PathIndex(*m_listing, m_card.root).Find(path);
+    const bool whole = path.find('/') != std::string::npos; // else it is a part of one, or nothing
+    const auto place = whole ? PathIndex(*m_listing, m_card.root).Find(path) : std::nullopt;
     const auto position = place.has_value() ? std::optional<int>(place->position) : FindText(path);
     if (!position.has_value()) {
         return {false, "the list has no file " + Quoted(path) + ", and no path with that in it"};

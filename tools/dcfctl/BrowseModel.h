@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "BrowsePhoto.h"
 #include "CardFiles.h"
 #include "CardListing.h"
 #include "ChangeSafety.h"
@@ -53,6 +54,9 @@ public:
     [[nodiscard]] std::optional<Finding> CheckThere() const;
     /// Some files of the list; without details when these cannot be had.
     [[nodiscard]] std::vector<BrowseRow> Rows(int from, int count);
+
+    /// What the metadata of the file at the cursor tells.
+    [[nodiscard]] BrowseFacts Photo() const;
 
     // Moves. Each is tried out first.
     BrowseReply First();

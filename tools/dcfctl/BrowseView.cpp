@@ -78,17 +78,15 @@ std::string ShownTime(std::uint32_t time) {
     return text;
 }
 
-using Facts = std::vector<std::pair<std::string, std::string>>;
-
-Facts FactsOf(const BrowseRow& row, int count) {
+BrowseFacts FactsOf(const BrowseRow& row, int count) {
     const FileEntry& file = row.file;
     const PathParts parts = SplitPath(file.path);
     const std::string unknown = "not to be had";
-    Facts facts = {{"Position", std::to_string(file.position) + " of 0 to " + std::to_string(count - 1)},
-                   {"File", Escaped(parts.file)},
-                   {"Folder", Escaped(parts.folder)},
-                   {"Number", file.details.has_value() ? NumberOf(*file.details) : unknown},
-                   {"Type", TypeText(file.type)}};
+    BrowseFacts facts = {{"Position", std::to_string(file.position) + " of 0 to " + std::to_string(count - 1)},
+                         {"File", Escaped(parts.file)},
+                         {"Folder", Escaped(parts.folder)},
+                         {"Number", file.details.has_value() ? NumberOf(*file.details) : unknown},
+                         {"Type", TypeText(file.type)}};
     const std::string companion =
         file.companion.has_value() ? Escaped(SplitPath(file.companion->path).file) : std::string("none");
     facts.emplace_back("Companion", companion);
@@ -197,7 +195,9 @@ void BrowseView::DrawDetails(const BrowseModel& model, const BrowseScene& scene,
     }
     int y = 1;
     const int end = kAbove + ListRows();
-    for (const auto& [label, text] : FactsOf(*here, model.Count())) {
+    BrowseFacts facts = FactsOf(*here, model.Count());
+    facts.insert(facts.end(), scene.photo.begin(), scene.photo.end());
+    for (const auto& [label, text] : facts) {
         if (y < end) {
             Put(y, left, Fitted(Wide(label), kLabel), A_BOLD);
             Put(y, left + kLabel, Fitted(Wide(text), Count(columns - kLabel)));

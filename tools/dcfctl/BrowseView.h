@@ -18,6 +18,7 @@ struct BrowseScene {
     BrowsePage page = BrowsePage::kList;
     int top = 0; ///< Position of the first row.
     std::vector<BrowseRow> rows;
+    BrowseFacts photo;                 ///< Of the file at the cursor.
     std::string message;               ///< Escaped.
     bool trouble = false;              ///< The message tells of one.
     std::optional<std::string> prompt; ///< What stands in front of what is typed.

@@ -11,6 +11,12 @@
 
 #include "DcfNames.h"
 #include "Preview.h"
+#if defined(__has_include)
+#if __has_include("PictureDecoder.h")
+#include "PictureDecoder.h"
+#define DCFCTL_HAS_THUMBNAILS
+#endif
+#endif
 
 namespace dcfctl {
 namespace {
@@ -129,6 +135,22 @@ PreviewCell CellAt(ChafaCanvas* canvas, int column, int row, bool colours) {
     return cell;
 }
 
+/// The thumbnail in the metadata, which is quickest and all that a raw picture has; else the picture itself.
+Pixels DecodeFile(const PreviewWish& wish) {
+    const Room room = {wish.columns * kPointsPerCell, wish.rows * kPointsPerCell * 2};
+    const eFileType type = TypeOfPath(wish.path);
+    const bool jpeg = type == FILE_TYPE_JPG || type == FILE_TYPE_MPO;
+    if (!jpeg && type != FILE_TYPE_SRW) {
+        return nullptr;
+    }
+#ifdef DCFCTL_HAS_THUMBNAILS
+    if (Pixels pixels = Decode(DecodeHead(wish.path).thumbnail, room)) {
+        return pixels;
+    }
+#endif
+    return jpeg ? Decode(ReadPicture(wish.path), room) : nullptr;
+}
+
 } // namespace
 
 bool IsPreviewBuilt() {
@@ -136,12 +158,7 @@ bool IsPreviewBuilt() {
 }
 
 bool DrawPreview(const PreviewWish& wish, PreviewImage& image) {
-    const eFileType type = TypeOfPath(wish.path);
-    if (type != FILE_TYPE_JPG && type != FILE_TYPE_MPO) {
-        return false;
-    }
-    const Pixels pixels =
-        Decode(ReadPicture(wish.path), {wish.columns * kPointsPerCell, wish.rows * kPointsPerCell * 2});
+    const Pixels pixels = DecodeFile(wish);
     if (pixels == nullptr) {
         return false;
     }
