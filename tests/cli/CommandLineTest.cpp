@@ -147,7 +147,7 @@ TEST(ExitCodes, StandInTheDocumentForProgramsAsInTheHelp) {
 
 TEST(ManPage, NamesEveryVerbAndOption) {
     const std::string page = ManPage();
-    for (const char* verb : {"ls", "count", "show", "shell", "sample"}) {
+    for (const char* verb : {"ls", "count", "show", "browse", "shell", "sample"}) {
         EXPECT_NE(page.find(std::string(".Ss ") + verb + "\n"), std::string::npos) << verb;
         EXPECT_NE(page.find(std::string(".Cm ") + verb + "\n"), std::string::npos) << verb;
     }

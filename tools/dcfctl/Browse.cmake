@@ -27,14 +27,13 @@ target_sources(dcfctl PRIVATE
   BrowseVerb.cpp
   BrowseView.cpp
   Preview.cpp
+  PreviewPicture.cpp
   WideText.cpp)
 target_include_directories(dcfctl SYSTEM PRIVATE ${CURSES_INCLUDE_DIRS})
 target_link_libraries(dcfctl PRIVATE ${CURSES_LIBRARIES})
 if(DCF_PREVIEW_BUILT)
-  target_sources(dcfctl PRIVATE PreviewPicture.cpp)
+  target_compile_definitions(dcfctl PRIVATE DCFCTL_HAVE_PREVIEW)
   target_link_libraries(dcfctl PRIVATE PkgConfig::DCF_PREVIEW_LIBRARIES)
-else()
-  target_sources(dcfctl PRIVATE PreviewNone.cpp)
 endif()
 if(TARGET dcfexif)
   target_link_libraries(dcfctl PRIVATE dcfexif)

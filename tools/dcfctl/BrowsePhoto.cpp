@@ -42,9 +42,9 @@ std::string ExposureText(const DcfExifInfo& info) {
 
 std::string LensText(const DcfExifInfo& info) {
     std::string text = info.focalLength > 0 ? Decimal(info.focalLength) + " mm" : "";
-    if (const char* flash = DcfExifFlashText(info.flash)) {
-        const bool none = (info.flash & DCF_EXIF_FLASH_NO_FUNCTION) != 0;
-        text += std::string(text.empty() ? "" : ", ") + (none ? "" : "flash ") + flash;
+    if ((info.flash & DCF_EXIF_FLASH_KNOWN) != 0) {
+        text += text.empty() ? "" : ", ";
+        text += (info.flash & DCF_EXIF_FLASH_FIRED) != 0 ? "flash" : "no flash";
     }
     return text;
 }

@@ -1,4 +1,8 @@
-// Decoding with gdk-pixbuf and drawing with chafa; see Preview.h. Runs in the child process alone.
+// Decoding with gdk-pixbuf and drawing with chafa; see Preview.h. Runs in the child process alone. In a build without
+// these libraries there is nothing to draw.
+#include "Preview.h"
+
+#ifdef DCFCTL_HAVE_PREVIEW
 #include <chafa.h>
 #include <fcntl.h>
 #include <gdk-pixbuf/gdk-pixbuf.h>
@@ -10,7 +14,6 @@
 #include <memory>
 
 #include "DcfNames.h"
-#include "Preview.h"
 #if defined(__has_include)
 #if __has_include("PictureDecoder.h")
 #include "PictureDecoder.h"
@@ -179,3 +182,16 @@ bool DrawPreview(const PreviewWish& wish, PreviewImage& image) {
 }
 
 } // namespace dcfctl
+#else
+namespace dcfctl {
+
+bool IsPreviewBuilt() {
+    return false;
+}
+
+bool DrawPreview(const PreviewWish& /*wish*/, PreviewImage& /*image*/) {
+    return false;
+}
+
+} // namespace dcfctl
+#endif
