@@ -15,7 +15,7 @@ using dcftest::Card;
 
 namespace {
 
-constexpr char kVerbs[] = "use one of ls, count, show, shell, sample, rm, protect, unprotect, toggle, latest-name, "
+constexpr char kVerbs[] = "use one of ls, count, show, shell, sample, browse, rm, protect, unprotect, toggle, latest-name, "
                           "capacity, next-name, add, renumber, series";
 
 TEST(CommandLine, ThatIsNotUnderstoodGivesOneLineAndChangesNothing) {

@@ -28,7 +28,7 @@ namespace {
 
 constexpr std::chrono::seconds kPatience(4);
 constexpr rlim_t kSeconds = 3;
-constexpr rlim_t kMemory = rlim_t{1} << 30U;
+[[maybe_unused]] constexpr rlim_t kMemory = rlim_t{1} << 30U;
 
 /// What goes through the pipe in front of the cells.
 struct Header {
