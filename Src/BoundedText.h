@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 
 namespace kelp {
 
@@ -18,6 +19,21 @@ __attribute__((format(printf, 3, 4))) inline void Compose(char* out, std::size_t
         out[0] = '\0';
     }
     va_end(arguments);
+}
+
+/// Puts texts one behind the other into a buffer of size bytes, cut to fit and always terminated. Paths are composed
+/// with it for every file that is shown; the formatted way would take most of that time.
+inline void Join(char* out, std::size_t size, std::initializer_list<const char*> texts) {
+    if (size == 0) {
+        return;
+    }
+    char* const last = out + size - 1;
+    for (const char* text : texts) {
+        const std::size_t length = strnlen(text, static_cast<std::size_t>(last - out));
+        std::memcpy(out, text, length);
+        out += length;
+    }
+    *out = '\0';
 }
 
 /// Copies a text into a buffer, cut to fit; the rest of the buffer is zeroed. The text may be the buffer's own.

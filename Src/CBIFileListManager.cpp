@@ -14,7 +14,7 @@ ISFileList* CBIFileListManager::m_pFileList = nullptr;
 int CBIFileListManager::Create(eFileNumberType /*type*/) {
     KELP_LOG(" called");
     if (m_pFileList != nullptr) {
-        Destroy();
+        Destroy(); // Deliberate: a second call replaces the list, so the assertion below never fails.
     }
     KELP_ASSERT(m_pFileList == NULL, "already filelist is created!!");
     m_pFileList = new CSFileList;

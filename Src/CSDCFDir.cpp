@@ -8,6 +8,7 @@
 #include "BoundedText.h"
 #include "DcfRules.h"
 #include "PCSDCFFSIO.h"
+#include "TreeIndex.h"
 
 #define KELP_UNIT "CSDCFDir"
 #include "Diagnostics.h"
@@ -27,25 +28,40 @@ bool IsCompanionType(int type) {
     return type == FILE_TYPE_SRW || type == FILE_TYPE_MPO;
 }
 
+/// Sorting costs as much as this many walks, so it has to wait for them: a folder that changes between any two
+/// look-ups is better off walked.
+constexpr int kWalksWorthSorting = 16;
+constexpr int kAbsent = -1;
+
 } // namespace
 
-CSDCFDir::CSDCFDir(int dnum, const char* name) : m_nDnum(static_cast<std::int16_t>(dnum)), m_bDescending(true) {
+CSDCFDir::CSDCFDir(int dnum, const char* name)
+    : m_nDnum(static_cast<std::int16_t>(dnum)), m_bDescending(true), m_nWalks(0) {
     SetDirName(name);
 }
 
-CSDCFDir::~CSDCFDir() = default;
+CSDCFDir::~CSDCFDir() {
+    NoteChange();
+}
 
 void CSDCFDir::SetDirName(const char* pDirName) {
     KELP_ASSERT_AS(pDirName != nullptr, "pDirName != NULL", "pDirName != NULL", "cannot be null");
-    KELP_ASSERT(strlen(pDirName) < KELP_DCF_MAX_FILE_NAME_LEN, "too long dir name = d");
+    KELP_ASSERT(strlen(pDirName) < KELP_DCF_MAX_FILE_NAME_LEN, "too long dir name = d"); // Deliberate: as it stands.
     kelp::CopyText(m_strDirName, pDirName);
+    NoteChange();
+}
+
+void CSDCFDir::NoteChange() {
+    m_nWalks = 0;
+    m_byNumber.clear();
+    kelp::TreeIndex::NoteChange();
 }
 
 // The scan.
 
 int CSDCFDir::Listup(char* root, int dnum, int base) {
     char path[KELP_DCF_MAX_FILE_NAME_LEN];
-    kelp::Compose(path, sizeof path, "%s/%s/%s", root, kelp::kDcimName, m_strDirName);
+    kelp::Join(path, sizeof path, {root, "/", kelp::kDcimName, "/", m_strDirName});
     PCSDCFFSIO listing(path, false);
 
     const bool camera = kelp::StartsWith(m_strDirName, kelp::kCameraName);
@@ -98,6 +114,8 @@ int CSDCFDir::CheckFileNameSyntaxNonDCF(char* name) {
         return FILE_TYPE_NONE;
     }
     MakeUpperCase(name, false);
+    // Deliberate: the last three letters alone count. No dot is looked for, and what stands in the number's place is
+    // read the standard way, blanks and a sign included.
     const eFileType type = kelp::TypeOfExtension(name + length - kelp::kExtensionLength);
     const bool movie = type == FILE_TYPE_MP4 || type == FILE_TYPE_AVI;
     return movie ? FILE_TYPE_NONE : type;
@@ -120,10 +138,12 @@ void CSDCFDir::AddFile(int dnum, int fnum, char* name, int* pCount, unsigned int
     const DCFItem item = MakeItem(dnum, fnum, name, time);
     m_bDescending = m_itemGroup.empty() || (m_bDescending && fnum < m_itemGroup.back().m_nFileNum);
     m_itemGroup.push_back(item);
+    NoteChange();
 }
 
 void CSDCFDir::AddObject(eFileType type) {
     m_itemGroup.back().setObjectType(type);
+    NoteChange();
 }
 
 // Counts.
@@ -133,6 +153,7 @@ int CSDCFDir::GetCount() {
 }
 
 int CSDCFDir::GetCountByType(eFileType type) {
+    // Deliberate: a companion counts with the item that it belongs to, and an item once.
     return static_cast<int>(std::count_if(m_itemGroup.begin(), m_itemGroup.end(), [type](const DCFItem& item) {
         return item.m_eFileType == type || item.m_eObjectType == type;
     }));
@@ -145,18 +166,41 @@ short CSDCFDir::GetDnum() {
 // Items by position.
 
 int CSDCFDir::GetFidx(int fnum) {
-    auto it = m_itemGroup.end();
-    if (m_bDescending) {
-        it = std::lower_bound(m_itemGroup.begin(), m_itemGroup.end(), fnum,
-                              [](const DCFItem& item, int number) { return item.m_nFileNum > number; });
+    // The first item of the number, as in a walk from the front.
+    const int fidx = m_bDescending ? FindInDescending(fnum) : FindInAnyOrder(fnum);
+    KELP_ASSERT_AS(fidx != kAbsent, "it != m_itemGroup.end()", "it != m_itemGroup.end()", "cannot found fnum = %d",
+                   fnum);
+    return fidx;
+}
+
+/// Where every number is there, it stands as far behind the highest as it is smaller, and as far before the lowest as
+/// it is larger. Missing numbers can only make both ways shorter, so the search lies between.
+int CSDCFDir::FindInDescending(int fnum) const {
+    if (m_itemGroup.empty() || fnum > m_itemGroup.front().m_nFileNum || fnum < m_itemGroup.back().m_nFileNum) {
+        return kAbsent;
     }
-    // The walk from the front is the rule; the search only spares it where the order allows.
-    if (it == m_itemGroup.end() || it->m_nFileNum != fnum) {
-        it = std::find_if(m_itemGroup.begin(), m_itemGroup.end(),
-                          [fnum](const DCFItem& item) { return item.m_nFileNum == fnum; });
+    const auto last = static_cast<std::int64_t>(m_itemGroup.size()) - 1;
+    const std::int64_t highest = std::min(last, std::int64_t{m_itemGroup.front().m_nFileNum} - fnum);
+    const std::int64_t lowest = std::max<std::int64_t>(0, last - (std::int64_t{fnum} - m_itemGroup.back().m_nFileNum));
+    const auto found = std::partition_point(m_itemGroup.begin() + lowest, m_itemGroup.begin() + highest,
+                                            [fnum](const DCFItem& item) { return item.m_nFileNum > fnum; });
+    return found->m_nFileNum == fnum ? static_cast<int>(found - m_itemGroup.begin()) : kAbsent;
+}
+
+int CSDCFDir::FindInAnyOrder(int fnum) {
+    if (m_byNumber.empty() && ++m_nWalks > kWalksWorthSorting) {
+        for (const DCFItem& item : m_itemGroup) {
+            m_byNumber.emplace_back(item.m_nFileNum, static_cast<int>(m_byNumber.size()));
+        }
+        std::sort(m_byNumber.begin(), m_byNumber.end());
     }
-    KELP_ASSERT(it != m_itemGroup.end(), "cannot found fnum = %d", fnum);
-    return static_cast<int>(it - m_itemGroup.begin());
+    if (!m_byNumber.empty()) {
+        const auto first = std::lower_bound(m_byNumber.begin(), m_byNumber.end(), NumberAt(fnum, 0));
+        return first != m_byNumber.end() && first->first == fnum ? first->second : kAbsent;
+    }
+    const auto first = std::find_if(m_itemGroup.begin(), m_itemGroup.end(),
+                                    [fnum](const DCFItem& item) { return item.m_nFileNum == fnum; });
+    return first != m_itemGroup.end() ? static_cast<int>(first - m_itemGroup.begin()) : kAbsent;
 }
 
 DCFItem CSDCFDir::GetItem(int nIndex) {
@@ -185,20 +229,28 @@ void CSDCFDir::AddHead(int dnum, int fnum, char* name, unsigned int time) {
     const DCFItem item = MakeItem(dnum, fnum, name, time);
     m_bDescending = m_itemGroup.empty() || (m_bDescending && fnum > m_itemGroup.front().m_nFileNum);
     m_itemGroup.push_front(item);
+    NoteChange();
 }
 
 void CSDCFDir::AddHeadObject(eFileType type) {
     m_itemGroup.front().setObjectType(type);
+    NoteChange();
 }
 
 void CSDCFDir::RemoveItem(int index) {
     m_itemGroup.erase(m_itemGroup.begin() + index);
+    NoteChange();
 }
 
 void CSDCFDir::RemoveItems(const std::vector<int>& indices) {
     const bool ascending = std::adjacent_find(indices.begin(), indices.end(), std::greater_equal<>()) == indices.end();
     if (!ascending) {
-        std::for_each(indices.rbegin(), indices.rend(), [this](int index) { RemoveItem(index); });
+        // To the letter, one removal after the other; a position that holds no item by then removes nothing.
+        std::for_each(indices.rbegin(), indices.rend(), [this](int index) {
+            if (index >= 0 && index < GetCount()) {
+                RemoveItem(index);
+            }
+        });
         return;
     }
     // The same in one pass, since every position means the one before any removal.
@@ -211,6 +263,7 @@ void CSDCFDir::RemoveItems(const std::vector<int>& indices) {
         return found;
     };
     m_itemGroup.erase(std::remove_if(m_itemGroup.begin(), m_itemGroup.end(), std::ref(isDoomed)), m_itemGroup.end());
+    NoteChange();
 }
 
 void CSDCFDir::RemoveAllItems() {
@@ -221,6 +274,7 @@ void CSDCFDir::RemoveAllItems() {
         }
     }
     m_itemGroup.erase(kept, m_itemGroup.end());
+    NoteChange();
 }
 
 void CSDCFDir::setPhotoData(int index, const PhotoInfo& info) {

@@ -5,10 +5,12 @@
 
 #include <cstdint>
 #include <deque>
+#include <utility>
 #include <vector>
 
 #include "CSDCFItemList.h"
 #include "FileListTypes.h"
+#include "Visibility.h"
 
 class KELP_API CSDCFDir {
 public:
@@ -67,7 +69,8 @@ public:
     void AddHeadObject(eFileType type);
     /// The position must be valid.
     void RemoveItem(int index);
-    /// Removes positions given in ascending order, from the last given to the first.
+    /// Removes positions given in ascending order, from the last given to the first. In another order each one means
+    /// the place that it has by then; one without an item removes nothing.
     void RemoveItems(const std::vector<int>& indices);
     /// Removes every item that is not protected; asks the card where the state is not known.
     void RemoveAllItems();
@@ -80,7 +83,17 @@ public:
     char m_strDirName[KELP_DCF_MAX_FILE_NAME_LEN];
     std::deque<DCFItem> m_itemGroup; ///< In listing order: the highest file number first.
 
-    bool m_bDescending; ///< The file numbers strictly descend, so that GetFidx need not walk.
+private:
+    using NumberAt = std::pair<int, int>; // a file number and its position
+
+    KELP_LOCAL void NoteChange();
+    KELP_LOCAL int FindInDescending(int fnum) const;
+    KELP_LOCAL int FindInAnyOrder(int fnum);
+
+    // Derived, so that GetFidx need not walk. NoteChange() takes back what a change may have made wrong.
+    bool m_bDescending;               ///< The file numbers strictly descend.
+    int m_nWalks;                     ///< Walks since the last change.
+    std::vector<NumberAt> m_byNumber; ///< In order of number, then position; empty until it pays.
 };
 
 #endif

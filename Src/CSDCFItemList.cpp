@@ -24,6 +24,7 @@ constexpr std::pair<const char*, eFileType> kTypeTexts[] = {
 
 /// The last trailing words of the metadata mean "unknown" until a collector says otherwise.
 constexpr int kFirstUnknownWord = 11;
+constexpr std::int32_t kUnknownWord = -1;
 
 } // namespace
 
@@ -39,7 +40,7 @@ std::string fileTypeToString(eFileType type) {
 DCFItem::DCFItem()
     : m_fileName(), m_bProtectKnown(false), m_bProtect(false), m_bWifi(false), m_nFileTime(0), m_nFileNum(0),
       m_nDirNum(0), m_eFileType(FILE_TYPE_NONE), m_eObjectType(FILE_TYPE_NONE), m_bMetadata(false), m_photo() {
-    std::fill(std::begin(m_photo.trailingWords) + kFirstUnknownWord, std::end(m_photo.trailingWords), -1);
+    std::fill(std::begin(m_photo.trailingWords) + kFirstUnknownWord, std::end(m_photo.trailingWords), kUnknownWord);
 }
 
 char* DCFItem::getFileName() {
@@ -109,9 +110,11 @@ void DCFItem::setWifi(bool on) {
 }
 
 bool DCFItem::getProtect() {
+    // Deliberate: asked once, by this copy alone, and through the registry: a directory that is not registered, or a
+    // file that cannot be examined, is known as unprotected from then on.
     if (!m_bProtectKnown) {
         char path[KELP_DCF_MAX_FILE_NAME_LEN];
-        kelp::Compose(path, sizeof path, "%s/%s", DirPathMapper::getInstance()->getPath(m_nDirNum).c_str(), m_fileName);
+        kelp::Join(path, sizeof path, {DirPathMapper::getInstance()->getPath(m_nDirNum).c_str(), "/", m_fileName});
         setProtect(PCSDCFFSIO::IsProtect(path));
     }
     return m_bProtect;

@@ -1,5 +1,6 @@
-// The DCF tree; see the header. Sections in the order of a client's road: listing, numbering, paths, cursor,
-// conversion.
+// The DCF tree; see the header. Sections in the order of a client's road: directory registry, construction and listing,
+// directories and counts, numbering, paths, the cursor, items by position and by path, conversion and metadata,
+// deletion, protection and Wi-Fi marks, new files and renumbering.
 #include "CSDCFList.h"
 
 #include <pthread.h>
@@ -72,6 +73,23 @@ void CopyMetadata(const PhotoInfo& photo, CSFileListItem& item) {
     }
 }
 
+/// Those of some list positions that lie between two, counted from the first of the two on.
+std::vector<int> PositionsBetween(const std::vector<int>& indices, bool ascending, int begin, int end) {
+    auto first = indices.begin();
+    auto last = indices.end();
+    if (ascending) { // then the others need not be looked at
+        first = std::lower_bound(first, last, begin);
+        last = std::lower_bound(first, last, end);
+    }
+    std::vector<int> positions;
+    std::for_each(first, last, [&](int index) {
+        if (index >= begin && index < end) {
+            positions.push_back(index - begin);
+        }
+    });
+    return positions;
+}
+
 } // namespace
 
 // ---- Directory registry ----
@@ -100,7 +118,7 @@ void DirPathMapper::add(int dnum, const std::string& path) {
 }
 
 std::string DirPathMapper::getPath(int dnum) {
-    return m_mapPath[dnum];
+    return m_mapPath[dnum]; // Deliberate: an unknown number is entered, with an empty path.
 }
 
 // ---- Construction and listing ----
@@ -130,7 +148,7 @@ int CSDCFList::SetBaseURI(const char* uri) {
 
 int CSDCFList::CreateBaseDirectory() {
     char path[KELP_DCF_MAX_FILE_NAME_LEN];
-    kelp::Compose(path, sizeof path, "%s/%s", m_szBaseURI, kelp::kDcimName);
+    kelp::Join(path, sizeof path, {m_szBaseURI, "/", kelp::kDcimName});
     (void)PCSDCFFSIO::MakeDirectory(path); // there already, or the listing that follows finds nothing
     return kelp::kSuccess;
 }
@@ -138,10 +156,10 @@ int CSDCFList::CreateBaseDirectory() {
 int CSDCFList::Listup(bool includeCamera) {
     CreateBaseDirectory();
     char path[KELP_DCF_MAX_FILE_NAME_LEN];
-    kelp::Compose(path, sizeof path, "%s/%s", m_szBaseURI, kelp::kDcimName);
+    kelp::Join(path, sizeof path, {m_szBaseURI, "/", kelp::kDcimName});
     PCSDCFFSIO listing(path, true);
     if (listing.m_nTotal < 0) {
-        return kelp::kSuccess;
+        return kelp::kSuccess; // Deliberate: an empty list, no error; the registry keeps what it held.
     }
     DirPathMapper::getInstance()->clear();
 
@@ -156,7 +174,7 @@ int CSDCFList::Listup(bool includeCamera) {
             continue;
         }
         char fullPath[KELP_DCF_MAX_FILE_NAME_LEN];
-        kelp::Compose(fullPath, sizeof fullPath, "%s/%s/%s", m_szBaseURI, kelp::kDcimName, entry.szName);
+        ComposeDirPath(fullPath, entry.szName);
         if (DirPathMapper::getInstance()->isPossibleAddDirnum(dnum, fullPath)) {
             AddDirectory(dnum, entry.szName, fullPath);
         }
@@ -182,6 +200,8 @@ bool CSDCFList::CheckDirNameSyntax(const std::string& name) {
     if (name.length() != kelp::kDirNameLength) {
         return false;
     }
+    // Deliberate: the standard conversion, which passes over blanks, a sign and zeros in front. GetDnum reads three
+    // characters alone, so such a name has a number below 100 and is not listed, or passes for 99 ("0999ABCD").
     try {
         const int number = std::stoi(name);
         return number >= kelp::kMinDirNumber && number <= kelp::kMaxDirNumber;
@@ -210,35 +230,31 @@ int CSDCFList::GetDidx(const char* path) {
         return kelp::kNotFound;
     }
     // Deliberate: six characters are enough, so an earlier directory that shares them wins over an exact match later.
-    const char* name = path + second + 1;
-    for (int didx = 0; didx < m_nDirCount; ++didx) {
-        if (std::strncmp(Dir(didx).m_strDirName, name, kDirNameMatch) == 0) {
-            return didx;
-        }
-    }
-    return kelp::kNotFound;
+    const int didx = Index().DirectoryOfName(m_dirGroup, path + second + 1, kDirNameMatch);
+    return HasDirectory(didx) ? didx : kelp::kNotFound;
 }
 
 int CSDCFList::GetDirIndex(int dnum) {
-    for (int didx = 0; didx < m_nDirCount; ++didx) {
-        if (Dir(didx).GetDnum() == dnum) {
-            return didx;
-        }
+    const int didx = Index().DirectoryOfNumber(m_dirGroup, dnum);
+    if (!HasDirectory(didx)) {
+        KELP_FAIL("cannot find dir index = %d", dnum);
     }
-    KELP_FAIL("cannot find dir index = %d", dnum);
+    return didx;
 }
 
 int CSDCFList::GetCount() {
-    m_nTotalCount = CountBefore(m_nDirCount);
+    m_nTotalCount = Index().Files();
     return m_nTotalCount;
 }
 
 int CSDCFList::GetFileCount(eFileType type) {
-    int count = 0;
-    for (int didx = 0; didx < m_nDirCount; ++didx) {
-        count += Dir(didx).GetCountByType(type);
-    }
-    return count;
+    return Index().FilesOfType(m_dirGroup, type);
+}
+
+/// The index of the tree as it is now.
+kelp::TreeIndex& CSDCFList::Index() {
+    m_index.Refresh(m_dirGroup, m_nDirCount);
+    return m_index;
 }
 
 CSDCFDir& CSDCFList::Dir(int didx) {
@@ -256,15 +272,6 @@ CSDCFList::Place CSDCFList::Find(const char* path) {
     GetNum(path, &dnum, &fnum);
     const int didx = GetDirIndex(dnum);
     return {didx, Dir(didx).GetFidx(fnum)};
-}
-
-/// Files in the directories before a position; directories that are gone count nothing.
-int CSDCFList::CountBefore(int didx) {
-    int count = 0;
-    for (int before = 0; before < std::min(didx, m_nDirCount); ++before) {
-        count += Dir(before).GetCount();
-    }
-    return count;
 }
 
 // ---- Numbering ----
@@ -297,11 +304,11 @@ int CSDCFList::GetListIndex(const char* path) {
     int dnum = 0;
     int fnum = 0;
     GetNum(path, &dnum, &fnum);
-    const int didx = GetDidx(path);
+    const int didx = GetDidx(path); // Deliberate: the directory by its name, the file by its number.
     if (didx < 0) {
         return kelp::kNotFound;
     }
-    return CountBefore(didx) + Dir(didx).GetFidx(fnum);
+    return Index().FilesBefore(didx) + Dir(didx).GetFidx(fnum);
 }
 
 int CSDCFList::GetFirstIndex() {
@@ -364,8 +371,8 @@ bool CSDCFList::GetSeriesMode() {
 void CSDCFList::GetFullPath(char* out, int len, int didx, DCFItem& item) {
     KELP_ASSERT_AS(Dir(didx).m_strDirName[0] != '\0', "strlen(m_dirGroup[didx]->m_strDirName) > 0",
                    "strlen(m_dirGroup[didx]->m_strDirName) > 0", "need check didx");
-    kelp::Compose(out, static_cast<std::size_t>(len), "%s/%s/%s/%s", m_szBaseURI, kelp::kDcimName,
-                  Dir(didx).m_strDirName, item.getFileName());
+    kelp::Join(out, static_cast<std::size_t>(len),
+               {m_szBaseURI, "/", kelp::kDcimName, "/", Dir(didx).m_strDirName, "/", item.getFileName()});
 }
 
 void CSDCFList::GetObjectFullPath(char* out, int len, int didx, DCFItem& item) {
@@ -373,17 +380,17 @@ void CSDCFList::GetObjectFullPath(char* out, int len, int didx, DCFItem& item) {
         return;
     }
     // Deliberate: nine characters are kept in "Camera" too, where that is never the name of a real file.
-    char name[kelp::kFileNameLength + 1];
-    kelp::Compose(name, sizeof name, "%.*s%s", static_cast<int>(kelp::kExtensionOffset), item.getFileName(),
-                  fileTypeToString(item.getObjectType()).c_str());
-    kelp::Compose(out, static_cast<std::size_t>(len), "%s/%s/%s/%s", m_szBaseURI, kelp::kDcimName,
-                  Dir(didx).m_strDirName, name);
+    char stem[kelp::kExtensionOffset + 1];
+    kelp::CopyText(stem, item.getFileName());
+    kelp::Join(out, static_cast<std::size_t>(len),
+               {m_szBaseURI, "/", kelp::kDcimName, "/", Dir(didx).m_strDirName, "/", stem,
+                fileTypeToString(item.getObjectType()).c_str()});
 }
 
 // ---- The cursor ----
 
 int CSDCFList::GetCurIndex() {
-    return CountBefore(m_nCurDidx) + m_CurFileIndex;
+    return Index().FilesBefore(m_nCurDidx) + m_CurFileIndex;
 }
 
 int CSDCFList::SetCurItem(int dnum, int fnum, int didx, DCFItem item) {
@@ -404,6 +411,7 @@ int CSDCFList::SetCurFile(const char* path) {
     GetNum(path, &dnum, &fnum);
     const int didx = GetDirIndex(dnum);
     m_CurFileIndex = Dir(didx).GetFidx(fnum);
+    // Deliberate: the cursor's numbers are the path's, not the item's.
     SetCurItem(dnum, fnum, didx, Dir(didx).GetItem(m_CurFileIndex));
     return kelp::kSuccess;
 }
@@ -487,31 +495,23 @@ int CSDCFList::MoveTo(int didx, int fidx, CSFileListItem* pItem) {
 
 int CSDCFList::GetAt(int index, CSFileListItem* pItem) {
     const vell::ScopedLock lock(&s_listMutex);
-    int before = 0;
-    for (int didx = 0; didx < m_nDirCount; ++didx) {
-        const int count = Dir(didx).GetCount();
-        if (before + count > index) {
-            DCFItem item = Dir(didx).GetItem(index - before);
-            ConvertFileItem(item, pItem, didx);
-            return kelp::kSuccess;
-        }
-        before += count;
+    const int didx = Index().DirectoryOfPosition(index);
+    if (!HasDirectory(didx)) {
+        KELP_FAIL("invalid");
     }
-    KELP_FAIL("invalid");
+    DCFItem item = Dir(didx).GetItem(index - Index().FilesBefore(didx));
+    ConvertFileItem(item, pItem, didx);
+    return kelp::kSuccess;
 }
 
 int CSDCFList::GetAtSimply(int index, CSFileListItem* pItem) {
-    int before = 0;
-    for (int didx = 0; didx < m_nDirCount; ++didx) {
-        const int count = Dir(didx).GetCount();
-        if (before + count > index) {
-            DCFItem item = Dir(didx).GetItem(index - before);
-            ConvertFileItemSimply(item, pItem, didx);
-            return kelp::kSuccess;
-        }
-        before += count;
+    const int didx = Index().DirectoryOfPosition(index);
+    if (!HasDirectory(didx)) {
+        KELP_FAIL("invalid");
     }
-    KELP_FAIL("invalid");
+    DCFItem item = Dir(didx).GetItem(index - Index().FilesBefore(didx));
+    ConvertFileItemSimply(item, pItem, didx);
+    return kelp::kSuccess;
 }
 
 int CSDCFList::GetInfo(char* path, CSFileListItem* pItem) {
@@ -519,7 +519,7 @@ int CSDCFList::GetInfo(char* path, CSFileListItem* pItem) {
     DCFItem item = Dir(didx).GetItem(fidx);
     ConvertFileItem(item, pItem, didx);
     if (std::strlen(path) >= KELP_DCF_MAX_FILE_NAME_LEN) {
-        return kelp::kFailure;
+        return kelp::kFailure; // Deliberate: behind the conversion, so the item is filled all the same.
     }
     kelp::CopyText(pItem->m_strURI, path);
     return kelp::kSuccess;
@@ -531,6 +531,7 @@ int CSDCFList::SetObject(const char* path, eFileType type) {
     GetNum(path, &dnum, &fnum);
     CSDCFDir& dir = Dir(GetDirIndex(dnum));
     if (dir.GetCount() > 0) {
+        // Deliberate: the front item, whatever file the path names: it stands for the one just made.
         dir.AddHeadObject(type);
     }
     return kelp::kSuccess;
@@ -631,12 +632,14 @@ void CSDCFList::Delete(char* path) {
     RemoveFromCard(item, didx);
     Dir(didx).RemoveItem(fidx);
     DropDirectoryIfEmpty(didx);
+    // Deliberate: any other file leaves the first index alone, and no deletion moves the cursor.
     if (didx == 0 && fidx == 0) {
         UpdateFirstIndex(false);
     }
 }
 
 void CSDCFList::Delete(const std::vector<int>& indices) {
+    const bool ascending = std::is_sorted(indices.begin(), indices.end());
     int base = 0;
     // Deliberate: the position advances over an erased directory too, so the one that moves up is passed over and the
     // indices meant for it meet the directory behind it.
@@ -646,27 +649,24 @@ void CSDCFList::Delete(const std::vector<int>& indices) {
         if (count == 0) {
             continue; // Deliberate: an empty directory is never removed here.
         }
-        std::vector<int> collected;
-        for (const int index : indices) {
-            if (index >= base && index < base + count) {
-                collected.push_back(index - base);
-            }
-        }
-        for (std::size_t position = collected.size(); position-- > 0;) {
-            DCFItem item = dir.GetItem(collected.at(position));
-            if (item.getProtect()) {
-                collected.erase(collected.begin() + static_cast<std::ptrdiff_t>(position));
-            } else {
+        std::vector<int> deleted;
+        const std::vector<int> collected = PositionsBetween(indices, ascending, base, base + count);
+        for (auto position = collected.rbegin(); position != collected.rend(); ++position) {
+            DCFItem item = dir.GetItem(*position);
+            if (!item.getProtect()) {
                 RemoveFromCard(item, didx);
+                deleted.push_back(*position);
             }
         }
-        dir.RemoveItems(collected);
+        std::reverse(deleted.begin(), deleted.end());
+        dir.RemoveItems(deleted);
         DropDirectoryIfEmpty(didx);
         base += count;
     }
     UpdateFirstIndex(false);
 }
 
+// Deliberate: the tree stays as it was; the file list discards it.
 void CSDCFList::DeleteAll() {
     for (int didx = 0; didx < m_nDirCount; ++didx) {
         for (int fidx = 0; fidx < Dir(didx).GetCount(); ++fidx) {
@@ -681,7 +681,8 @@ void CSDCFList::DeleteAll() {
     }
 }
 
-/// Removes a file and its companion file. Failures are ignored: the item leaves the tree all the same.
+/// Removes a file and its companion file.
+/// Deliberate: failures are ignored; the item leaves the tree all the same, and the next listing shows what stayed.
 void CSDCFList::RemoveFromCard(DCFItem& item, int didx) {
     char path[KELP_DCF_MAX_FILE_NAME_LEN];
     GetFullPath(path, sizeof path, didx, item);
@@ -692,7 +693,8 @@ void CSDCFList::RemoveFromCard(DCFItem& item, int didx) {
     }
 }
 
-/// Takes a directory out of the tree and off the card when the card holds nothing more in it, whatever the tree lists.
+/// Takes a directory out of the tree and off the card when the card holds nothing more in it.
+/// Deliberate: judged by the card, whatever the tree lists in it; one that cannot be opened counts as empty.
 void CSDCFList::DropDirectoryIfEmpty(int didx) {
     char path[KELP_DCF_MAX_FILE_NAME_LEN];
     ComposeDirPath(path, Dir(didx).m_strDirName);
@@ -706,7 +708,7 @@ void CSDCFList::DropDirectoryIfEmpty(int didx) {
 }
 
 void CSDCFList::ComposeDirPath(char (&out)[KELP_DCF_MAX_FILE_NAME_LEN], const char* name) {
-    kelp::Compose(out, sizeof out, "%s/%s/%s", m_szBaseURI, kelp::kDcimName, name);
+    kelp::Join(out, sizeof out, {m_szBaseURI, "/", kelp::kDcimName, "/", name});
 }
 
 // ---- Protection and Wi-Fi marks ----
@@ -738,7 +740,7 @@ void CSDCFList::VisitIndices(const std::vector<int>& indices, Visit visit) {
     }
 }
 
-/// Memory first, then the card, whose failure leaves the mark in memory.
+/// Deliberate: memory first, then the card, whose failure leaves the mark in memory until the next listing.
 void CSDCFList::ProtectOne(int didx, int fidx, bool on) {
     Dir(didx).SetProtect(fidx, on);
     DCFItem item = Dir(didx).GetItem(fidx);
@@ -803,7 +805,9 @@ int CSDCFList::GetNewFileName(char* prefix, char* ext, char* out, int outLen, ch
     if (result < 0) {
         return result;
     }
-    (void)BackupSeriesValue(index); // the number is taken on this card, stored or not
+    // Deliberate: in either mode, so that a series switched on later goes on from here. A number that cannot be stored
+    // is taken on this card all the same.
+    (void)BackupSeriesValue(index);
     SetCurFile(out);
     return result;
 }
@@ -846,16 +850,14 @@ int CSDCFList::GetNewFileIndex(const char* dirSuffix) {
 
 /// Whether directories have the number, but none of them the suffix.
 bool CSDCFList::NumberTakenByOther(int dnum, const char* dirSuffix) {
-    bool taken = false;
-    for (int didx = 0; didx < m_nDirCount; ++didx) {
-        if (Dir(didx).GetDnum() == dnum) {
-            taken = true;
-            if (std::strcmp(kelp::From(Dir(didx).m_strDirName, kelp::kDirNumberLength), dirSuffix) == 0) {
-                return false;
-            }
+    const kelp::TreeIndex& tree = Index();
+    const int first = tree.DirectoryOfNumber(m_dirGroup, dnum);
+    for (int didx = first; HasDirectory(didx); didx = tree.DirectoryOfNumber(m_dirGroup, dnum, didx + 1)) {
+        if (std::strcmp(kelp::From(Dir(didx).m_strDirName, kelp::kDirNumberLength), dirSuffix) == 0) {
+            return false;
         }
     }
-    return taken;
+    return HasDirectory(first);
 }
 
 int CSDCFList::TakeIndex(int dnum, int fnum) {
@@ -872,8 +874,11 @@ int CSDCFList::GetNewFileIndex_SetInfo(int index, char* prefix, char* ext, char*
     GetIndexToNum(index, &dnum, &fnum);
     const auto size = static_cast<std::size_t>(outLen);
     kelp::Compose(out, size, "%s%04d.%s", prefix, fnum, ext);
+    // Deliberate: always the front directory, also where the number was chosen for another one that is not listed.
     CSDCFDir& front = *m_dirGroup.front();
+    kelp::TreeIndex& tree = Index();
     front.AddHead(dnum, fnum, out, static_cast<unsigned int>(std::time(nullptr)));
+    tree.TakeUpFrontFile(front.m_itemGroup.front());
     kelp::Compose(out, size, "%s/%s/%s/%s%04d.%s", m_szBaseURI, kelp::kDcimName, front.m_strDirName, prefix, fnum, ext);
     ++m_nTotalCount;
     return kelp::kSuccess;
@@ -894,7 +899,7 @@ int CSDCFList::CheckDirectoryExist(const char* name) {
 
 void CSDCFList::ReorderDirNames() {
     char dcim[KELP_DCF_MAX_FILE_NAME_LEN];
-    kelp::Compose(dcim, sizeof dcim, "%s/%s", m_szBaseURI, kelp::kDcimName);
+    kelp::Join(dcim, sizeof dcim, {m_szBaseURI, "/", kelp::kDcimName});
     PCSDCFFSIO listing(dcim, true);
     // Deliberate: from the highest number down, so the order is reversed; every entry takes a number, "Camera", entries
     // that are not listed and failed renames included.
@@ -903,7 +908,7 @@ void CSDCFList::ReorderDirNames() {
     while (listing.Read(&entry) >= 0) {
         char from[KELP_DCF_MAX_FILE_NAME_LEN];
         char to[KELP_DCF_MAX_FILE_NAME_LEN];
-        kelp::Compose(from, sizeof from, "%s/%s", dcim, entry.szName);
+        kelp::Join(from, sizeof from, {dcim, "/", entry.szName});
         kelp::Compose(to, sizeof to, "%s/%03d%.*s", dcim, number, static_cast<int>(kelp::kDirSuffixLength),
                       kelp::From(entry.szName, kelp::kDirNumberLength));
         if (std::rename(from, to) == -1) {
@@ -911,6 +916,7 @@ void CSDCFList::ReorderDirNames() {
         }
         ++number;
     }
-    (void)pref_set_long(kSeriesGroup, kSeriesKey, 0); // the next new name stores the value again
+    // Deliberate: also when nothing could be listed or renamed. A failed write is made good by the next new name.
+    (void)pref_set_long(kSeriesGroup, kSeriesKey, 0);
     sync();
 }

@@ -16,6 +16,7 @@
 #include "CSFileListItem.h"
 #include "FileListTypes.h"
 #include "MetadataInfo.h"
+#include "TreeIndex.h"
 #include "Visibility.h"
 
 /// Process-wide registry of directory paths by directory number, refilled by every listing.
@@ -185,7 +186,7 @@ private:
         int fidx;
     };
     KELP_LOCAL Place Find(const char* path);
-    KELP_LOCAL int CountBefore(int didx);
+    KELP_LOCAL kelp::TreeIndex& Index();
     KELP_LOCAL int FindFilledForward(int didx);
     KELP_LOCAL int FindFilledBackward(int didx);
     KELP_LOCAL int MoveTo(int didx, int fidx, CSFileListItem* pItem);
@@ -202,6 +203,8 @@ private:
     KELP_LOCAL void VisitAll(Visit visit);
     KELP_LOCAL bool NumberTakenByOther(int dnum, const char* dirSuffix);
     KELP_LOCAL int TakeIndex(int dnum, int fnum);
+
+    kelp::TreeIndex m_index; ///< Derived from the directories; asked through Index().
 };
 
 #endif

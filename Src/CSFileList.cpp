@@ -29,7 +29,8 @@ constexpr int kUnknown = -1;
 constexpr int kRenumbered = 1;
 constexpr int kNewNameSize = 396; // of the buffer that a client hands in for a new path
 
-// Capacity. Deliberate: clients know these figures; they are not to be computed from anything.
+// Capacity. Deliberate: clients know these figures; they are not to be computed from anything, and where a list or a
+// series value is beyond the last number what is left falls below 0.
 constexpr int kMaxListed = 100000;
 constexpr int kLastPlentyDirNumber = 997;
 constexpr int kPlenty = 20000;
@@ -131,7 +132,7 @@ void CSFileList::IncludeNonDCF(bool on) {
 int CSFileList::SetSeriesMode(bool on) {
     KELP_LOG("start");
     if (m_pDCF == nullptr) {
-        return kelp::kFailure;
+        return kelp::kFailure; // Deliberate: the mode is not stored, so the first listing goes without it.
     }
     m_bSeriesMode = on;
     m_pDCF->SetSeriesMode(on);
@@ -157,6 +158,13 @@ int CSFileList::AddPhotoMetadata(const char* path, PhotoInfo& info) {
 }
 
 // ---- Browsing ----
+//
+// Deliberate: the guards and the log lines are uneven, as clients and their logs know them. A null item is fatal for
+// GetFirst and GetCurrent and gives -1 from the other moves; of the moves GetFirst alone logs a "start", and at the end
+// of the list GetPrev and GetLast log an "end" where GetNext does not; a missing tree gives -1 here and -6 there.
+//
+// Deliberate: the cached position follows the moves, SetCur and GetCurIndex alone. IsLast and GetNewFileName move the
+// tree's cursor and leave it, Delete and GetAt leave both.
 
 int CSFileList::GetFirst(CSFileListItem* pItem) {
     KELP_LOG("start");
@@ -308,16 +316,29 @@ int CSFileList::UpdateFirstIndex(bool ignoreSeries) {
 
 bool CSFileList::IsSel(int nIdx) {
     KELP_LOG("start");
-    return std::find(m_vecSel.begin(), m_vecSel.end(), nIdx) != m_vecSel.end();
+    return Selected().Contains(nIdx);
 }
 
 void CSFileList::SetSel(int nIdx, bool on) {
     KELP_LOG("start");
-    if (!on) {
-        std::erase(m_vecSel, nIdx);
-    } else if (std::find(m_vecSel.begin(), m_vecSel.end(), nIdx) == m_vecSel.end()) {
-        m_vecSel.push_back(nIdx);
+    kelp::PositionSet& selected = Selected();
+    if (selected.Contains(nIdx) == on) {
+        return;
     }
+    // Deliberate: positions stay as they were selected, whatever becomes of the list.
+    if (on) {
+        selected.Insert(nIdx);
+        m_vecSel.push_back(nIdx);
+    } else {
+        selected.Erase(nIdx);
+        std::erase(m_vecSel, nIdx);
+    }
+}
+
+/// The selection as a set. It grows and shrinks with m_vecSel here, and matches it anew when that was emptied.
+kelp::PositionSet& CSFileList::Selected() {
+    m_selected.Match(m_vecSel);
+    return m_selected;
 }
 
 void CSFileList::SelectCancel() {
@@ -339,7 +360,7 @@ int CSFileList::Delete(CSFileListItem* pItem) {
     KELP_LOG("start");
     KELP_ASSERT_ITEM(pItem);
     if (pItem->m_bProtect) {
-        return kelp::kFailure;
+        return kelp::kFailure; // Deliberate: the item's own mark. A file that the tree keeps as protected gives 0.
     }
     KELP_ASSERT_TREE();
     m_pDCF->Delete(pItem->m_strURI);
@@ -357,6 +378,7 @@ int CSFileList::DeleteSel() {
     const int smallest = m_vecSel.at(0); // Deliberate: nothing selected is the client's error and throws.
     m_nList = m_pDCF->GetCount();
     if (m_nList >= 1) {
+        // Deliberate: from the first position selected, whether or not its file was kept.
         SetCurIndex(smallest > 0 ? smallest - 1 : 0);
     }
     m_vecSel.clear();
@@ -387,7 +409,7 @@ int CSFileList::SetProtect(CSFileListItem* pItem, bool on) {
     KELP_ASSERT_ITEM(pItem);
     KELP_ASSERT_TREE();
     m_pDCF->SetProtect(pItem->m_strURI, on);
-    return kelp::kSuccess;
+    return kelp::kSuccess; // Deliberate: whatever the card says, here and in the batches.
 }
 
 int CSFileList::SetProtectSel(bool on) {
@@ -452,7 +474,7 @@ void CSFileList::SetFileNameColor(eFileListColorMode mode) {
     m_eColorMode = mode;
     char prefix[kMaxPrefixLength + 1];
     kelp::CopyText(prefix, mode == FILE_LIST_COLOR_MODE_STANDARD ? kStandardPrefix : kOptionalPrefix);
-    (void)SetFilePrefix(prefix); // always fits
+    (void)SetFilePrefix(prefix); // Deliberate: replaces the client's own prefix. Always fits.
 }
 
 void CSFileList::SetImageType(eFileListImageType type) {
@@ -468,7 +490,7 @@ int CSFileList::SetFilePrefix(char* prefix) {
     if (std::strlen(prefix) > kMaxPrefixLength) {
         return kelp::kTooLong;
     }
-    kelp::CopyText(m_szFilePrefix, prefix);
+    kelp::CopyText(m_szFilePrefix, prefix); // Deliberate: up to eight, although four alone make a DCF name.
     return kelp::kSuccess;
 }
 
@@ -485,6 +507,7 @@ int CSFileList::GetNewFileName(char* out, int type) {
     char* suffix = m_eFolderNameMake == FILE_NAME_MAKE_FIXED ? fixedSuffix : MakeDateFolder();
     const int nRet = extension.empty() ? kelp::kFailure
                                        : m_pDCF->GetNewFileName(prefix, extension.data(), out, kNewNameSize, suffix);
+    // Deliberate: the lines and the new count come with a refusal too.
     KELP_LOG("filename = %s foldername = %s", prefix, suffix);
     KELP_LOG("new filename = %.*s", kNewNameSize, out);
     m_nList = m_pDCF->GetCount();
@@ -525,6 +548,8 @@ int CSFileList::GetLatestFileName(char* out, eFileType type) {
     }
     CSFileListItem item;
     GetFirst(&item);
+    // Deliberate: any type is recorded as the companion's; one that has no companion extension leaves the path as it
+    // is.
     if (m_pDCF->SetObject(item.m_strURI, type) == 0) {
         const bool companion = type == FILE_TYPE_SRW || type == FILE_TYPE_MPO;
         std::string path(item.m_strURI);
@@ -580,6 +605,6 @@ int CSFileList::RenameDCFFullStorage() {
     KELP_LOG("start");
     KELP_ASSERT_TREE();
     m_pDCF->ReorderDirNames();
-    ListAgain();
+    ListAgain(); // Deliberate: the selection stays, though its positions mean other files now.
     return kRenumbered;
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "ISFileList.h"
+#include "PositionSet.h"
 #include "Visibility.h"
 
 class CSDCFList;
@@ -106,6 +107,9 @@ private:
     KELP_LOCAL char* MakeFilePrefix(bool stereoscopic);
     KELP_LOCAL char* MakeDateFolder();
     KELP_LOCAL bool LastDirectoryFits();
+    KELP_LOCAL kelp::PositionSet& Selected();
+
+    kelp::PositionSet m_selected; ///< Derived from m_vecSel; asked through Selected().
 };
 
 #endif

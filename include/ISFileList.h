@@ -57,8 +57,9 @@ public:
     /// Deletes one file and its companion file, and its directory when nothing is left in it; empties the
     /// selection.
     /// @param item a filled item; its m_strURI and m_bProtect are used.
-    /// @return 0; -1 when the item is protected, and nothing changes. A file that cannot be removed from the card
-    ///         is taken out of the list all the same.
+    /// @return 0; -1 when the item is marked as protected, and nothing changes. 0 also for a file that was protected
+    ///         since the item was filled, and stays. A file that cannot be removed from the card is taken out of the
+    ///         list all the same.
     /// The cursor is not moved: it may then stand on the file that moved up, or on none.
     /// Fatal for a null item ("now pItem == NULL(%d) !!!"), before Listup() ("now m_pDCF is NULL") and for a path
     /// that the list does not hold.

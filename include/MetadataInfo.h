@@ -13,27 +13,28 @@ struct PhotoInfo {
     std::uint32_t attributeWord;    ///< Reaches the client as CSFileListItem::m_nMetaWord.
     std::uint8_t attributeFlag;     ///< Reaches the client as CSFileListItem::m_nMetaByte.
     std::int32_t attributeWords[4]; ///< Words 2 and 3: m_nMetaQuad1, m_nMetaQuad2; words 1 and 4: m_aMeta[0], [1].
-    char date[20];                  ///< NUL-terminated text; reaches the client as m_szMetaText, bounded to 20 bytes.
+    char date[20];                  ///< Text; reaches the client as m_szMetaText, bounded to 20 bytes.
     std::int32_t trailingWords[17]; ///< Reach the client as m_aMeta[2] to [18], the eighth behind the eleventh.
 };
 
-/// What a video collector would tell about one file. Order and widths of the fields are fixed.
+/// What a video collector would tell about one file. Order and widths of the fields are fixed; units and meaning beyond
+/// the names are the collector's and its client's business.
 /// No video collector is ever called: see ISFileList::RegisterVideoMetadataCB.
 struct VideoInfo {
-    std::int32_t imageWidth;   ///< Pixels.
-    std::int32_t imageHeight;  ///< Pixels.
-    std::int32_t hasAudio;     ///< Non-zero when there is a sound track.
-    std::int32_t fps;          ///< Frames per second.
-    std::int32_t videoBitRate; ///< As the collector gives it.
-    std::int32_t audioBitRate; ///< As the collector gives it.
-    std::int32_t multiMotion;  ///< As the collector gives it.
-    std::int32_t reserved1;    ///< The collector's own.
-    std::int32_t totalTime;    ///< As the collector gives it.
-    std::int32_t reserved2;    ///< The collector's own.
-    std::int32_t fileSize;     ///< Bytes.
-    std::int32_t reserved3;    ///< The collector's own.
-    char date[16];             ///< NUL-terminated text.
-    std::int32_t reserved4;    ///< The collector's own.
+    std::int32_t imageWidth;
+    std::int32_t imageHeight;
+    std::int32_t hasAudio;
+    std::int32_t fps;
+    std::int32_t videoBitRate;
+    std::int32_t audioBitRate;
+    std::int32_t multiMotion;
+    std::int32_t reserved1; ///< The collector's own, like the other reserved ones.
+    std::int32_t totalTime;
+    std::int32_t reserved2;
+    std::int32_t fileSize;
+    std::int32_t reserved3;
+    char date[16]; ///< Text of at most 16 characters; without a terminator where it fills the field.
+    std::int32_t reserved4;
 };
 
 #endif

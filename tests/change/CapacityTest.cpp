@@ -166,6 +166,14 @@ TEST_F(CapacityCount, WithoutFilesIsAHundredThousandLessTheCachedCount) {
     EXPECT_EQ(Left(-5, 10000001), 20000);
 }
 
+TEST_F(CapacityCount, FallsBelowZeroBeyondTheLastNumber) {
+    List();
+    EXPECT_EQ(Left(100007, 10000001), -7);
+    EXPECT_EQ(Rest(), (Log{"CSFileList GetAvailNumOfPhoto return nCount = -7"}));
+    EXPECT_EQ(Left(1, 99812345), -2346) << "a series value that is no DCF number";
+    EXPECT_EQ(Rest(), (Log{"CSFileList GetAvailNumOfPhoto return nName = -2346"}));
+}
+
 TEST_F(CapacityCount, TakesADirectoryNumberBeyondTheLastForOneNearTheEnd) {
     List();
     EXPECT_EQ(Left(1, 100000009), 9990);

@@ -9,6 +9,7 @@
 #include <array>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -133,6 +134,31 @@ inline Texts EverythingIn(const CSDCFList& tree) {
 /// The item at a place of a tree.
 inline DCFItem& ItemAt(CSDCFList& tree, int didx, int fidx) {
     return tree.m_dirGroup.at(static_cast<std::size_t>(didx))->m_itemGroup.at(static_cast<std::size_t>(fidx));
+}
+
+/// A directory that tells when it is destroyed.
+class WatchedDir : public CSDCFDir {
+public:
+    WatchedDir(int dnum, const char* name, std::function<void()> destroyed)
+        : CSDCFDir(dnum, name), m_destroyed(std::move(destroyed)) {}
+    ~WatchedDir() override {
+        m_destroyed();
+    }
+
+private:
+    std::function<void()> m_destroyed;
+};
+
+/// Puts a watched directory with the same files into the place of a tree's own.
+inline void Watch(CSDCFList& tree, int didx, std::function<void()> destroyed) {
+    CSDCFDir*& dir = tree.m_dirGroup.at(static_cast<std::size_t>(didx));
+    auto watched = std::make_unique<WatchedDir>(dir->m_nDnum, dir->m_strDirName, std::move(destroyed));
+    int count = 0;
+    for (DCFItem& item : dir->m_itemGroup) {
+        watched->AddFile(item.m_nDirNum, item.m_nFileNum, item.getFileName(), &count, item.m_nFileTime);
+        watched->AddObject(item.m_eObjectType);
+    }
+    delete std::exchange(dir, watched.release());
 }
 
 /// A text that the library takes as char*.

@@ -66,6 +66,25 @@ TEST_F(ListDelete, OfAnItemHasCountAndSelectionRightWhenItSyncs) {
     EXPECT_EQ(selected, 0U);
 }
 
+TEST_F(ListDelete, OfAnItemKeepsTheSelectionAndTheCountUntilTheTreeIsDone) {
+    ListTen();
+    CSFileListItem item = ItemOf(9);
+    Select({2, 5});
+    Positions selectedAtTheLastCall;
+    int countAtTheLastCall = -1;
+    (void)CallsOf(
+        card, [&] { list->Delete(&item); },
+        [&](PosixSeam& seam) {
+            seam.Before("remove", 1, [&] { // the directory, the last that the tree touches
+                selectedAtTheLastCall = list->m_vecSel;
+                countAtTheLastCall = list->m_nList;
+            });
+        });
+    EXPECT_EQ(selectedAtTheLastCall, (Positions{2, 5}));
+    EXPECT_EQ(countAtTheLastCall, 10);
+    EXPECT_EQ(list->GetSelCount(), 0);
+}
+
 TEST_F(ListDelete, OfAnItemThatIsMarkedProtectedIsRefusedAtOnce) {
     ListTen();
     CSFileListItem item = ItemOf(4);
@@ -219,6 +238,25 @@ TEST_F(ListDelete, OfAnEmptySelectionThrowsBehindTheTreesOwnWork) {
     EXPECT_EQ(list->m_nList, 10) << "not refreshed";
 }
 
+// A folder in front that is gone from the card leaves the list during the walk, the selected directory is passed over,
+// and the one behind it is met in its place.
+TEST_F(ListDelete, OfASelectionBehindAFolderThatIsGoneFromTheCardMeetsTheDirectoryAfterIt) {
+    card.AddFiles("102ABCDE", {DcfName(12), DcfName(11)}).AddFiles("101ABCDE", {DcfName(9), DcfName(8)});
+    card.AddFiles("100ABCDE", {DcfName(3), DcfName(2), DcfName(1)});
+    ASSERT_EQ(List(), 7);
+    card.Remove("102ABCDE", "");
+    Select({3});
+    EXPECT_EQ(CallsOf(card, [&] { EXPECT_EQ(list->DeleteSel(), 0); }),
+              (Texts{"opendir 102ABCDE", "unlink 102ABCDE", "remove 102ABCDE", "stat 100ABCDE/KVR_0002.JPG",
+                     "unlink 100ABCDE/KVR_0002.JPG", "opendir 100ABCDE", "sync"}));
+    EXPECT_EQ(TreeTexts(*list->m_pDCF), (Texts{"101ABCDE: 9 8", "100ABCDE: 3 1"}));
+    EXPECT_EQ(CardFiles(card), (Texts{"100ABCDE/KVR_0001.JPG", "100ABCDE/KVR_0003.JPG", "101ABCDE/KVR_0008.JPG",
+                                      "101ABCDE/KVR_0009.JPG"}));
+    EXPECT_EQ(list->GetCount(), 4);
+    EXPECT_EQ(CursorOf(*list->m_pDCF), (Cursor{100, 3, 1, 0, 2})) << "one before the position selected";
+    EXPECT_EQ(list->m_nCurGetAtIdx, 2);
+}
+
 TEST_F(ListDelete, OfASelectionBeyondTheListIsFatal) {
     ListTen();
     Select({50});
@@ -270,6 +308,25 @@ TEST_F(ListDelete, OfEverythingListsAgain) {
     EXPECT_EQ(list->m_nCurGetAtIdx, 0) << "with no file there is no move to follow";
     EXPECT_EQ(list->m_pDCF->m_nFirstIndex, 0);
     EXPECT_EQ(CardTexts(card), Texts{});
+}
+
+TEST_F(ListDelete, OfEverythingSyncsBeforeSelectionAndTreeGo) {
+    ListTen();
+    Select({3});
+    CSDCFList* const tree = list->m_pDCF;
+    Positions selectedAtSync;
+    const CSDCFList* treeAtSync = nullptr;
+    (void)CallsOf(
+        card, [&] { EXPECT_EQ(list->DeleteAll(), 0); },
+        [&](PosixSeam& seam) {
+            seam.Before("sync", 1, [&] {
+                selectedAtSync = list->m_vecSel;
+                treeAtSync = list->m_pDCF;
+            });
+        });
+    EXPECT_EQ(selectedAtSync, (Positions{3}));
+    EXPECT_EQ(treeAtSync, tree);
+    EXPECT_EQ(list->GetSelCount(), 0);
 }
 
 TEST_F(ListDelete, OfEverythingShowsWhatTheCardKept) {

@@ -91,6 +91,27 @@ TEST_F(TreeDelete, TakesTheDirectoryOutOfTheListBeforeItGoesFromTheCard) {
     EXPECT_EQ(treeWhenRemoved, (Texts{"102ABCDE: 9 5 2", "100ABCDE: 8 7"}));
 }
 
+TEST_F(TreeDelete, DestroysTheDirectoryBeforeItGoesFromTheCardAndNoOther) {
+    ListThree();
+    int destroyed = 0;
+    bool onTheCardThen = false;
+    int countThen = -1;
+    int others = 0;
+    Watch(*tree, 0, [&] { ++others; });
+    Watch(*tree, 1, [&] {
+        ++destroyed;
+        onTheCardThen = card.Exists("101ABCDE");
+        countThen = tree->m_nDirCount;
+    });
+    Delete("102ABCDE", "KVR_0009.JPG");
+    Delete("101ABCDE", "KVR_0004.JPG");
+    EXPECT_EQ(destroyed, 1);
+    EXPECT_TRUE(onTheCardThen);
+    EXPECT_EQ(countThen, 3) << "before it leaves the list";
+    EXPECT_EQ(others, 0);
+    tree.reset(); // while what the watches count in is there
+}
+
 TEST_F(TreeDelete, TakesTheItemOutBehindTheFile) {
     ListThree();
     Texts treeWhenRemoved;

@@ -77,6 +77,18 @@ TEST_F(TreeDeleteSet, OfAWholeDirectoryRemovesItFromListAndCard) {
     EXPECT_FALSE(card.Exists("100ABCDE"));
 }
 
+TEST_F(TreeDeleteSet, DestroysTheDirectoriesThatItDrops) {
+    ListFour();
+    Texts destroyed;
+    for (int didx = 0; didx < 4; ++didx) {
+        const std::string name = tree->m_dirGroup[static_cast<std::size_t>(didx)]->m_strDirName;
+        Watch(*tree, didx, [&destroyed, name] { destroyed.push_back(name); });
+    }
+    tree->Delete(Positions{3, 4, 8});
+    EXPECT_EQ(destroyed, (Texts{"102ABCDE"})) << "101 is passed over, and 8 is no position of 100 any more";
+    tree.reset(); // while what the watches note in is there
+}
+
 // The quirk that clients must know: the directory behind an emptied one is not visited, and what was meant for it meets
 // the one after it, by position.
 TEST_F(TreeDeleteSet, PassesOverTheDirectoryBehindAnEmptiedOneAndAppliesItsPositionsToTheNext) {
@@ -152,6 +164,18 @@ TEST_F(TreeDeleteSet, TakesItemsOutInTheGivenOrderWhenItIsNotAscending) {
     tree->Delete(Positions{2, 0});
     EXPECT_EQ(card.Names("100ABCDE"), (Texts{"KVR_0001.JPG", "KVR_0003.JPG"}));
     EXPECT_EQ(TreeTexts(*tree), (Texts{"100ABCDE: 3 2"})) << "4 at position 0, then 1, which is at position 2 by then";
+}
+
+TEST_F(TreeDeleteSet, OfAPositionTwiceStaysWithinTheDirectory) {
+    card.AddFiles("100ABCDE", {DcfName(2), DcfName(1)});
+    List();
+    EXPECT_EQ(DeleteCalls({1, 1}),
+              (Texts{"stat 100ABCDE/KVR_0001.JPG", "unlink 100ABCDE/KVR_0001.JPG", "stat 100ABCDE/KVR_0001.JPG",
+                     "unlink 100ABCDE/KVR_0001.JPG", "remove 100ABCDE/KVR_0001.JPG", "opendir 100ABCDE"}));
+    EXPECT_EQ(TreeTexts(*tree), (Texts{"100ABCDE: 2"}));
+    tree->Delete(Positions{0, 0});
+    EXPECT_EQ(TreeTexts(*tree), Texts{});
+    EXPECT_EQ(tree->GetCount(), 0);
 }
 
 TEST_F(TreeDeleteSet, TakesItemsOutEvenWhenTheCardKeepsTheFiles) {

@@ -168,6 +168,25 @@ TEST_F(NewFile, StoresItsNumberAsTheSeriesValueInEitherMode) {
               (std::vector<PrefCall>{{true, 3, 512, 10000006}, {false, 3, 512, 10000006}, {true, 3, 512, 10000007}}));
 }
 
+TEST_F(NewFile, StoresItsNumberBehindItsEntryAndBeforeTheCursorMoves) {
+    card.AddFiles("100PHOTO", {DcfName(5)});
+    List();
+    ASSERT_EQ(tree->SetCurFile(Path("100PHOTO", DcfName(5)).c_str()), 0);
+    Texts treeThen;
+    std::string pathThen;
+    Cursor cursorThen = kUnsetCursor;
+    FakePlatform::Get().AtPrefSet([&] {
+        treeThen = TreeTexts(*tree);
+        pathThen = out.data();
+        cursorThen = CursorOf(*tree);
+    });
+    EXPECT_EQ(NewName(), 0);
+    EXPECT_EQ(treeThen, (Texts{"100PHOTO: 6 5"}));
+    EXPECT_EQ(pathThen, Path("100PHOTO", DcfName(6)));
+    EXPECT_EQ(cursorThen, (Cursor{100, 5, 0, 0, 0})) << "still on the file before";
+    EXPECT_EQ(CursorOf(*tree), (Cursor{100, 6, 0, 0, 0}));
+}
+
 TEST_F(NewFile, ContinuesTheSeriesOfAnotherCard) {
     card.AddFiles("100PHOTO", {DcfName(5)});
     List();

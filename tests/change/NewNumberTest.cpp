@@ -103,6 +103,7 @@ const Row kRows[] = {
     {"the suffix is compared exactly", {"105PHOTO"}, {}, 10500042, "photo", 10600001, "106photo", true, false},
     {"as a whole, a shorter one", {"105PHOTO"}, {}, 10500042, "PHOT", 10600001, "106PHOT", true, false},
     {"as a whole, a longer one", {"105PHOTO"}, {}, 10500042, "PHOTOS", 10600001, "106PHOTOS", true, false},
+    {"another suffix in 998 goes to 999", {"998AAAAA"}, {}, 99800042, "BBBBB", 99900001, "999BBBBB", true, false},
     {"another suffix in 999 is the end", {"999AAAAA"}, {}, 99900042, "BBBBB", kUsedUp, nullptr, false, false},
     {"one of two directories of the number has it",
      {"105ZZZZZ", "105PHOTO"},
@@ -263,6 +264,22 @@ TEST_F(NewDirectory, IsNotRegistered) {
     List();
     EXPECT_EQ(tree->GetNewFileIndex("PHOTO"), 10000001);
     EXPECT_EQ(DirPathMapper::getInstance()->m_mapPath.count(100), 0U);
+}
+
+TEST(NewDirectoryOnALongRoot, HasItsPathCut) {
+    StartAfresh();
+    ::umask(0022);
+    Card card(90); // "/DCIM/" and two characters of a name fill the buffer
+    card.AddDir("105BBBBB");
+    CSDCFList tree;
+    ASSERT_EQ(tree.SetBaseURI(card.Root().c_str()), 0);
+    EXPECT_EQ(CallsOf(card, [&] { EXPECT_EQ(tree.GetNewFileIndex("PHOTO"), 10000001); }),
+              (Texts{"opendir 10", "umask 0000", "mkdir 10 0775", "umask 0022", "sync"}));
+    EXPECT_EQ(TreeTexts(tree), (Texts{"100PHOTO:"})) << "whole in the list";
+    EXPECT_EQ(card.DirNames(), (Texts{"10", "105BBBBB"}));
+    tree.m_nFirstIndex = 10100001;
+    EXPECT_EQ(CallsOf(card, [&] { EXPECT_EQ(tree.GetNewFileIndex("PHOTO"), 10100002); }), (Texts{"opendir 10"}))
+        << "every other one is taken for it";
 }
 
 // What the lock covers is seen from a metadata collector, which runs while it is held.

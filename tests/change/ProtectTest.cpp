@@ -253,6 +253,17 @@ TEST_F(TreeProtect, OfAnUnknownDirectoryOrFileIsFatal) {
     EXPECT_TRUE(DiesByAssertion(RunInChild([&] { (void)tree->GetProtect(Text(missing)); }), NoFile(7)));
 }
 
+TEST(TreeProtectOnALongRoot, CutsThePathsAndMissesTheFiles) {
+    StartAfresh();
+    Card card(73); // the path of a file has 100 characters
+    card.AddFiles("100ABCDE", {DcfName(1), DcfName(1, "SRW")});
+    const auto tree = ListTree(card);
+    EXPECT_EQ(CallsOf(card, [&] { tree->SetProtectAll(true); }),
+              (Texts{"stat 100ABCDE/KVR_0001.J", "stat 100ABCDE/KVR_0001.S"}));
+    EXPECT_TRUE(ItemAt(*tree, 0, 0).m_bProtect);
+    EXPECT_EQ(card.Mode("100ABCDE", DcfName(1)), 0644U);
+}
+
 class TreeWifi : public TreeTest {
 protected:
     Texts Marked() const {

@@ -69,6 +69,7 @@ void FakePlatform::Reset() {
     m_prefCalls.clear();
     m_forcedGet.reset();
     m_setResult = 0;
+    m_atPrefSet = nullptr;
     m_propertyCalls.clear();
     m_propertyResult = 0;
     m_backtraces = 0;
@@ -121,6 +122,11 @@ void FakePlatform::SetPrefSetResult(int result) {
     m_setResult = result;
 }
 
+void FakePlatform::AtPrefSet(std::function<void()> action) {
+    const std::lock_guard lock(m_mutex);
+    m_atPrefSet = std::move(action);
+}
+
 std::vector<PrefCall> FakePlatform::PrefCalls() {
     const std::lock_guard lock(m_mutex);
     return m_prefCalls;
@@ -157,7 +163,12 @@ long FakePlatform::PrefGet(int group, int key) {
 }
 
 int FakePlatform::PrefSet(int group, int key, long value) {
-    const std::lock_guard lock(m_mutex);
+    std::unique_lock lock(m_mutex);
+    if (const std::function<void()> action = m_atPrefSet) {
+        lock.unlock(); // it may ask this platform
+        action();
+        lock.lock();
+    }
     m_prefCalls.push_back({true, group, key, value});
     if (m_setResult == 0) {
         m_preferences[{group, key}] = value;

@@ -5,6 +5,7 @@
 #define TESTS_SUPPORT_FAKE_PLATFORM_H
 
 #include <array>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -60,6 +61,8 @@ public:
     void ForcePrefGet(std::optional<long> result);
     /// From now on pref_set_long gives this and, unless it is 0, stores nothing.
     void SetPrefSetResult(int result);
+    /// Runs at every pref_set_long from now on, before anything is stored; an empty one ends it.
+    void AtPrefSet(std::function<void()> action);
     std::vector<PrefCall> PrefCalls();
 
     using PropertyCall = std::array<int, 4>;
@@ -82,6 +85,7 @@ private:
     std::vector<PrefCall> m_prefCalls;
     std::optional<long> m_forcedGet;
     int m_setResult = 0;
+    std::function<void()> m_atPrefSet;
     std::vector<PropertyCall> m_propertyCalls;
     int m_propertyResult = 0;
     int m_backtraces = 0;

@@ -1,5 +1,6 @@
 // One listing of one folder: how it begins, hands out its entries and ends; failing calls; the times of the entries.
 #include <dirent.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -176,6 +177,7 @@ TEST(CardListing, EndsWithClose) {
     ASSERT_EQ(listing.Read(&file), 0);
     listing.Close(); // two entries unread: a leak checker would tell
     EXPECT_EQ(listing.m_ppList, nullptr);
+    EXPECT_EQ(listing.m_ppCur, nullptr) << "its copy must not outlive what it points to";
     EXPECT_EQ(listing.Read(&file), -1);
     listing.Close();
     EXPECT_EQ(listing.m_ppList, nullptr);
@@ -344,6 +346,49 @@ TEST(EntryTime, OfAFolderIsZero) {
     ASSERT_EQ(folders.size(), 2U);
     EXPECT_EQ(folders[0].nTime, 0U);
     EXPECT_EQ(folders[1].nTime, 0U);
+}
+
+TEST(EntryTime, OfAnEarlierListingOfFilesIsForgotten) {
+    Card card;
+    card.AddFile("100ABCDE", DcfName(1), {"", 0644, 1000000001});
+    card.AddFile("100ABCDE", DcfName(2), {"", 0644, 1000000002});
+    PCSDCFFSIO listing(card.Path("100ABCDE").c_str(), false);
+    ASSERT_EQ(ReadAll(listing).front().nTime, 1000000002U);
+    ASSERT_EQ(listing.Open(card.Dcim().c_str(), true), 0);
+    const std::vector<PCSDCFFSIO::PTFile> folders = ReadAll(listing);
+    ASSERT_EQ(folders.size(), 1U);
+    EXPECT_EQ(folders[0].nTime, 0U);
+}
+
+TEST(EntryTime, OfALinkIsThatOfTheFileItLeadsTo) {
+    Card card;
+    card.AddFile("100ABCDE", "target", {"", 0644, 1000000001});
+    ASSERT_EQ(::symlink("target", card.Path("100ABCDE", DcfName(1)).c_str()), 0);
+    PCSDCFFSIO listing(card.Path("100ABCDE").c_str(), false);
+    EXPECT_EQ(ReadAll(listing).at(0).nTime, 1000000001U);
+}
+
+TEST(EntryTime, IsAskedThroughAHandleThatNoChildProcessInherits) {
+    Card card;
+    card.AddFile("100ABCDE", DcfName(1));
+    const auto handlesOfTheFolder = [&] {
+        std::vector<int> flags;
+        for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+            std::error_code none;
+            if (std::filesystem::read_symlink(entry.path(), none) == card.Path("100ABCDE")) {
+                flags.push_back(::fcntl(std::stoi(entry.path().filename()), F_GETFD));
+            }
+        }
+        return flags;
+    };
+    std::vector<int> flags;
+    {
+        PosixSeam seam;
+        seam.Before("fstatat", 1, [&] { flags = handlesOfTheFolder(); });
+        const PCSDCFFSIO listing(card.Path("100ABCDE").c_str(), false);
+    }
+    EXPECT_EQ(flags, std::vector<int>{FD_CLOEXEC});
+    EXPECT_EQ(handlesOfTheFolder(), std::vector<int>{}) << "closed again";
 }
 
 TEST(EntryTime, IsAskedOncePerKeptEntryInTheOrderOfTheFolder) {

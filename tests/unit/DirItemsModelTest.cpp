@@ -44,6 +44,22 @@ bool DiesSearching(CSDCFDir& dir, int number) {
                             "int CSDCFDir::GetFidx(int)"});
 }
 
+TEST(GetFidx, GivesTheFirstMatchHoweverOftenAnUnorderedFolderIsAsked) {
+    CSDCFDir dir(100, "100ABCDE");
+    Ints numbers = {5, 9, 2, 9, 5, 1, 40, 3, 40, 8};
+    AppendNumbers(dir, numbers);
+    for (int round = 0; round < 4; ++round) { // more look-ups than it takes for the folder to be sorted
+        for (int again = 0; again < 3; ++again) {
+            ExpectFirstMatches(dir, numbers);
+        }
+        EXPECT_TRUE(DiesSearching(dir, 4));
+        EXPECT_TRUE(DiesSearching(dir, 41));
+        const int removed = numbers.front() == 5 ? 0 : 1;
+        dir.RemoveItem(removed);
+        numbers.erase(numbers.begin() + removed);
+    }
+}
+
 TEST(GetFidx, GivesTheFirstMatchInAnyOrderOfNumbers) {
     const struct {
         Ints numbers;

@@ -291,6 +291,22 @@ TEST(RemoveItems, GoesFromTheLastGivenToTheFirstEachAtOnce) {
     EXPECT_EQ(Numbers(again), Ints{5}) << "the same position twice is two removals";
 }
 
+TEST(RemoveItems, IgnoresAPositionThatHoldsNoItemAnyMore) {
+    const struct {
+        Ints positions;
+        Ints left;
+    } rows[] = {
+        {{2, 2}, {9, 5}}, {{2, 0}, {5, 2}},    {{0, 0, 0, 0}, {}},
+        {{3, 1, 1}, {9}}, {{7, 3}, {9, 5, 2}}, {{0, -1}, {5, 2}},
+    };
+    for (const auto& row : rows) {
+        CSDCFDir dir(100, "100ABCDE");
+        AppendNumbers(dir, {9, 5, 2});
+        dir.RemoveItems(row.positions);
+        EXPECT_EQ(Numbers(dir), row.left) << testing::PrintToString(row.positions);
+    }
+}
+
 class RemoveAllItemsTest : public testing::Test {
 protected:
     RemoveAllItemsTest() {

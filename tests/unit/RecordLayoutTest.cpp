@@ -139,7 +139,10 @@ EXPECT_NEXT(CSDCFList, m_CurFileIndex, m_CurItem, DCFItem);
 EXPECT_NEXT(CSDCFList, m_CurItem, m_nCurDidx, int);
 EXPECT_NEXT(CSDCFList, m_nCurDidx, m_bSeriesMode, bool);
 EXPECT_NEXT(CSDCFList, m_bSeriesMode, m_nCurListIndex, int);
-static_assert(sizeof(CSDCFList) == RoundUp(offsetof(CSDCFList, m_nCurListIndex) + sizeof(int), alignof(CSDCFList)));
+// Behind the fixed members stands what is derived from them, and nothing else.
+static_assert(sizeof(CSDCFList) ==
+              RoundUp(offsetof(CSDCFList, m_nCurListIndex) + sizeof(int), alignof(kelp::TreeIndex)) +
+                  sizeof(kelp::TreeIndex));
 static_assert(std::has_virtual_destructor_v<CSDCFList>);
 
 EXPECT_FIELD(CSFileList, m_szBaseURI, char[100], sizeof(void*));
@@ -162,7 +165,7 @@ EXPECT_NEXT(CSFileList, m_sz3DPrefix, m_pDCF, CSDCFList*);
 EXPECT_NEXT(CSFileList, m_pDCF, listupDone, std::int32_t);
 EXPECT_NEXT(CSFileList, listupDone, m_vecSel, std::vector<std::int32_t>);
 static_assert(sizeof(CSFileList) ==
-              RoundUp(offsetof(CSFileList, m_vecSel) + sizeof(std::vector<std::int32_t>), alignof(CSFileList)));
+              offsetof(CSFileList, m_vecSel) + sizeof(std::vector<std::int32_t>) + sizeof(kelp::PositionSet));
 static_assert(std::is_base_of_v<ISFileList, CSFileList>);
 
 TEST(RecordLayout, AnItemForClientsIsAllZeroAtFirst) {

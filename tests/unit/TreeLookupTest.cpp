@@ -151,6 +151,7 @@ TEST(DirByPath, IsFoundByTheEightCharactersBehindTheSecondSlashFromTheEnd) {
         {"/mnt/mmc/102ABCDE/AB.JPG", 0, "24 characters"},
         {"", -1, "empty"},
         {"102ABCDE/KVR_0001.JPG_AND_MORE", -1, "one slash"},
+        {"/102ABCDE_AND_NO_OTHER_SLASH", -1, "one slash, at the start"},
         {"no slash in these many characters", -1, "no slash"},
         {"/a/rather/long/path/to/x/y", -1, "a folder of one character"},
         {"////////////////////////////", -1, "slashes alone"},

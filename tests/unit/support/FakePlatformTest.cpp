@@ -7,7 +7,9 @@
 #include <pref.h>
 #include <vell-util.h>
 
+#include <optional>
 #include <thread>
+#include <vector>
 
 #include "CSDCFList.h"
 
@@ -81,6 +83,18 @@ TEST_F(FakePlatformTest, GivesTheResultsItWasTold) {
     EXPECT_EQ(m_platform.PropertyCalls(), (std::vector<FakePlatform::PropertyCall>{{1, 2, 3, 4}}));
 }
 
+TEST_F(FakePlatformTest, RunsAnActionBeforeEachStore) {
+    std::vector<std::optional<long>> before;
+    m_platform.AtPrefSet([&] { before.push_back(m_platform.Preference(3, 512)); });
+    (void)pref_set_long(3, 512, 1);
+    (void)pref_get_long(3, 512);
+    (void)pref_set_long(3, 512, 2);
+    m_platform.AtPrefSet(nullptr);
+    (void)pref_set_long(3, 512, 3);
+    EXPECT_EQ(before, (std::vector<std::optional<long>>{std::nullopt, 1}));
+    EXPECT_EQ(m_platform.Preference(3, 512), 3);
+}
+
 TEST_F(FakePlatformTest, CountsBacktraces) {
     vell_print_backtrace();
     vell_print_backtrace();
@@ -117,6 +131,7 @@ TEST_F(FakePlatformTest, StartsAgainAfterAReset) {
     vell_print_backtrace();
     m_platform.SetPrefSetResult(-1);
     m_platform.ForcePrefGet(8);
+    m_platform.AtPrefSet([] { ADD_FAILURE() << "outlived the reset"; });
     m_platform.Reset();
     EXPECT_EQ(m_platform.Backtraces(), 0);
     EXPECT_TRUE(m_platform.PrefCalls().empty());
