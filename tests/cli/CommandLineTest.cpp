@@ -15,8 +15,9 @@ using dcftest::Card;
 
 namespace {
 
-constexpr char kVerbs[] = "use one of ls, count, show, shell, sample, browse, rm, protect, unprotect, toggle, latest-name, "
-                          "capacity, next-name, add, renumber, series";
+constexpr char kVerbs[] =
+    "use one of ls, count, show, shell, sample, browse, rm, protect, unprotect, toggle, latest-name, "
+    "capacity, next-name, add, renumber, series";
 
 TEST(CommandLine, ThatIsNotUnderstoodGivesOneLineAndChangesNothing) {
     Card card;
