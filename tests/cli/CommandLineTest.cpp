@@ -15,8 +15,9 @@ using dcftest::Card;
 
 namespace {
 
-constexpr char kVerbs[] = "use one of ls, count, show, shell, sample, rm, protect, unprotect, toggle, latest-name, "
-                          "capacity, next-name, add, renumber, series";
+constexpr char kVerbs[] =
+    "use one of ls, count, show, shell, sample, browse, rm, protect, unprotect, toggle, latest-name, "
+    "capacity, next-name, add, renumber, series";
 
 TEST(CommandLine, ThatIsNotUnderstoodGivesOneLineAndChangesNothing) {
     Card card;
@@ -147,7 +148,7 @@ TEST(ExitCodes, StandInTheDocumentForProgramsAsInTheHelp) {
 
 TEST(ManPage, NamesEveryVerbAndOption) {
     const std::string page = ManPage();
-    for (const char* verb : {"ls", "count", "show", "shell", "sample"}) {
+    for (const char* verb : {"ls", "count", "show", "browse", "shell", "sample"}) {
         EXPECT_NE(page.find(std::string(".Ss ") + verb + "\n"), std::string::npos) << verb;
         EXPECT_NE(page.find(std::string(".Cm ") + verb + "\n"), std::string::npos) << verb;
     }

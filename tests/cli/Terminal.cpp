@@ -3,6 +3,7 @@
 
 #include <poll.h>
 #include <pty.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -21,12 +22,10 @@ constexpr std::chrono::seconds kPatience(10);
 
 } // namespace
 
-Terminal::Terminal(const Words& arguments, const Options& options) : m_child(-1) {
+Terminal::Terminal(const Words& arguments, const Options& options, TerminalSize size) : m_child(-1) {
     PrepareToRun();
-    winsize size = {};
-    size.ws_row = 50;
-    size.ws_col = 200;
-    m_child = forkpty(&m_terminal, nullptr, nullptr, &size);
+    const winsize window = {size.rows, size.columns, 0, 0};
+    m_child = forkpty(&m_terminal, nullptr, nullptr, &window);
     if (m_child < 0) {
         throw std::system_error(errno, std::generic_category(), "forkpty");
     }
@@ -49,7 +48,7 @@ void Terminal::Type(const std::string& keys) {
     }
 }
 
-bool Terminal::Drain(int milliseconds) {
+bool Terminal::Take(int milliseconds) {
     pollfd waiting = {m_terminal, POLLIN, 0};
     if (poll(&waiting, 1, milliseconds) <= 0) {
         return true;
@@ -74,7 +73,7 @@ bool Terminal::Shows(const std::string& text) {
         if (!open || Clock::now() > limit) {
             return false;
         }
-        open = Drain(100);
+        open = Take(100);
     }
 }
 
@@ -82,14 +81,14 @@ bool Terminal::ShowsPrompt() {
     const auto limit = Clock::now() + kPatience;
     bool shown = Shows("dcfctl> ");
     while (shown && IsAsAtTheStart()) {
-        shown = Clock::now() < limit && Drain(5);
+        shown = Clock::now() < limit && Take(5);
     }
     return shown;
 }
 
 int Terminal::End() {
     const auto limit = Clock::now() + kPatience;
-    while (Drain(100)) { // reading ends with an error when nobody holds the other side any more
+    while (Take(100)) { // reading ends with an error when nobody holds the other side any more
         if (Clock::now() > limit) {
             return -1;
         }
@@ -99,7 +98,21 @@ int Terminal::End() {
         return -1;
     }
     m_child = -1;
+    m_signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+void Terminal::Send(int signal) const {
+    if (m_child > 0) {
+        kill(m_child, signal);
+    }
+}
+
+void Terminal::Resize(TerminalSize size) const {
+    const winsize window = {size.rows, size.columns, 0, 0};
+    if (ioctl(m_terminal, TIOCSWINSZ, &window) != 0) {
+        throw std::system_error(errno, std::generic_category(), "resizing");
+    }
 }
 
 bool Terminal::IsAsAtTheStart() const {

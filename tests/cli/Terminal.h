@@ -10,10 +10,15 @@
 
 namespace clitest {
 
+struct TerminalSize {
+    unsigned short rows = 50;
+    unsigned short columns = 200;
+};
+
 class Terminal {
 public:
     /// Starts dcfctl; its standard streams are the terminal.
-    explicit Terminal(const Words& arguments, const Options& options = {});
+    explicit Terminal(const Words& arguments, const Options& options = {}, TerminalSize size = {});
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
     /// Ends it if it still runs.
@@ -24,6 +29,14 @@ public:
     [[nodiscard]] bool Shows(const std::string& text);
     /// Waits for the end. @return the exit code, -1 when a signal ended it or when it did not end in time.
     [[nodiscard]] int End();
+    /// The signal that ended it, 0 for none.
+    [[nodiscard]] int EndedBy() const {
+        return m_signal;
+    }
+    void Send(int signal) const;
+    void Resize(TerminalSize size) const;
+    /// Takes up what comes within a time. @return false at the end.
+    bool Take(int milliseconds);
     /// Whether the terminal shows what is typed and hands out whole lines, as it did at the start.
     [[nodiscard]] bool IsAsAtTheStart() const;
     /// Waits for the prompt and until the editor has the terminal: keys typed before are not the editor's.
@@ -34,11 +47,9 @@ public:
     }
 
 private:
-    /// Takes up what has come. @return false at the end.
-    bool Drain(int milliseconds);
-
     pid_t m_child;
     int m_terminal = -1;
+    int m_signal = 0;
     std::string m_screen;
     std::size_t m_seen = 0;
 };

@@ -91,6 +91,10 @@ void CardListing::AddDetails(std::vector<FileEntry>& entries) {
         detailAll();
         return;
     }
+    const auto said = [](const Finding& warning) { return warning.code == std::string(kDetailsMissing); };
+    if (std::any_of(m_report.warnings.begin(), m_report.warnings.end(), said)) {
+        return;
+    }
     m_report.warnings.push_back({kDetailsMissing, ExitCode::kPartial,
                                  "the files are listed without their details, which are not to be had on this card; "
                                  "look at the names of its folders"});

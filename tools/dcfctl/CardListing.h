@@ -26,6 +26,10 @@ public:
     [[nodiscard]] int Count() const {
         return m_count;
     }
+    /// Asks for the number of files anew, after some were deleted.
+    void Recount() {
+        m_count = m_session->List().GetCount();
+    }
     /// The list itself, for the verbs that change it.
     [[nodiscard]] ISFileList& List() const {
         return m_session->List();

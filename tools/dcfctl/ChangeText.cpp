@@ -7,7 +7,6 @@
 #include "Phrases.h"
 
 namespace dcfctl {
-namespace {
 
 std::string CountsText(const RemovalCounts& counts) {
     std::string text = FilesText(counts.files);
@@ -20,6 +19,8 @@ std::string CountsText(const RemovalCounts& counts) {
     }
     return text;
 }
+
+namespace {
 
 std::string SeriesLine(long stored, const std::optional<long>& before, bool dryRun) {
     std::string text = std::string("  series value ") + (dryRun ? "would be " : "") + SeriesText(stored);

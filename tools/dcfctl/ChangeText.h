@@ -16,6 +16,9 @@
 
 namespace dcfctl {
 
+/// "2 files with 1 companion (3.4 MB) and 1 folder".
+[[nodiscard]] std::string CountsText(const RemovalCounts& counts);
+
 class ChangeText {
 public:
     /// Makes a name fit to be shown where the text goes.

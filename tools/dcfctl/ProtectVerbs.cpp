@@ -38,27 +38,15 @@ std::optional<Finding> CheckOwnFile(const CardFile& file) {
                                                       "would change as well; put a copy in its place first");
 }
 
-struct Work {
-    std::vector<Target> targets; ///< Those that are not yet as wanted, in list order.
-    std::size_t already = 0;
-};
+} // namespace
 
-std::variant<Work, Finding> MakePlan(const CardListing& listing, const std::string& root, const TargetOptions& options,
-                                     Protection wanted, Progress& progress) {
-    ChangeSafety safety(root + "/" + std::string(kDcim), listing.Inspected());
-    if (auto finding = safety.CheckCard()) {
-        return *finding;
-    }
-    auto found = FindTargets(listing, root, options);
-    if (auto* finding = std::get_if<Finding>(&found)) {
-        return *finding;
-    }
-    auto judgement = safety.Judge(std::get<std::vector<FileEntry>>(found),
-                                  [&](std::uint64_t done, std::uint64_t all) { progress.Show(done, all); });
+std::variant<ProtectionWork, Finding> PlanProtection(ChangeSafety& safety, const std::vector<FileEntry>& files,
+                                                     Protection wanted, const Tick& tick) {
+    auto judgement = safety.Judge(files, tick);
     if (judgement.refusal.has_value()) {
         return *judgement.refusal;
     }
-    Work work;
+    ProtectionWork work;
     for (Target& target : judgement.targets) {
         if (IsAs(target, Wanted(target, wanted))) {
             ++work.already;
@@ -76,6 +64,22 @@ std::variant<Work, Finding> MakePlan(const CardListing& listing, const std::stri
     return work;
 }
 
+namespace {
+
+std::variant<ProtectionWork, Finding> MakePlan(const CardListing& listing, const std::string& root,
+                                               const TargetOptions& options, Protection wanted, Progress& progress) {
+    ChangeSafety safety(root + "/" + std::string(kDcim), listing.Inspected());
+    if (auto finding = safety.CheckCard()) {
+        return *finding;
+    }
+    auto found = FindTargets(listing, root, options);
+    if (auto* finding = std::get_if<Finding>(&found)) {
+        return *finding;
+    }
+    const auto tick = [&](std::uint64_t done, std::uint64_t all) { progress.Show(done, all); };
+    return PlanProtection(safety, std::get<std::vector<FileEntry>>(found), wanted, tick);
+}
+
 void HandOver(ISFileList& list, const std::vector<Target>& targets, std::size_t from, std::size_t to,
               Protection wanted) {
     list.SelectCancel();
@@ -90,28 +94,22 @@ void HandOver(ISFileList& list, const std::vector<Target>& targets, std::size_t 
     }
 }
 
-void DoWork(ISFileList& list, const std::vector<Target>& targets, Protection wanted, Progress& progress) {
+} // namespace
+
+void ProtectAsPlanned(ISFileList& list, const std::vector<Target>& targets, Protection wanted, const Tick& tick) {
     const InterruptGuard guard;
     for (std::size_t from = 0; from < targets.size() && !InterruptGuard::Interrupted(); from += kBatch) {
         const std::size_t to = std::min(from + kBatch, targets.size());
         HandOver(list, targets, from, to, wanted);
-        progress.Show(to, targets.size());
+        tick(to, targets.size());
     }
 }
+
+namespace {
 
 bool TookEffect(const std::string& path, bool protect) {
     const auto state = LookAt(path);
     return state.has_value() && state->IsProtected() == protect;
-}
-
-void LookAtOutcome(const std::vector<Target>& targets, Protection wanted, ProtectionResult& result) {
-    for (const Target& target : targets) {
-        const bool protect = Wanted(target, wanted);
-        const std::string companion = target.companion.has_value() ? target.companion->path : "";
-        const bool done =
-            TookEffect(target.file.path, protect) && (companion.empty() || TookEffect(companion, protect));
-        (done ? result.changed : result.failed).push_back({target.file.path, companion, protect});
-    }
 }
 
 Finding NoEffect(const ProtectionResult& result) {
@@ -129,6 +127,21 @@ Finding NoEffect(const ProtectionResult& result) {
 
 } // namespace
 
+std::optional<Finding> LookAtProtection(const std::vector<Target>& targets, Protection wanted,
+                                        ProtectionResult& result) {
+    for (const Target& target : targets) {
+        const bool protect = Wanted(target, wanted);
+        const std::string companion = target.companion.has_value() ? target.companion->path : "";
+        const bool done =
+            TookEffect(target.file.path, protect) && (companion.empty() || TookEffect(companion, protect));
+        (done ? result.changed : result.failed).push_back({target.file.path, companion, protect});
+    }
+    if (result.failed.empty()) {
+        return std::nullopt;
+    }
+    return NoEffect(result);
+}
+
 Report<ProtectionResult> Protect(const CardOptions& card, const TargetOptions& targets, Protection wanted,
                                  Output& err) {
     const CardLock lock(card.root);
@@ -139,7 +152,7 @@ Report<ProtectionResult> Protect(const CardOptions& card, const TargetOptions& t
     if (listing.Refusal().has_value()) {
         return Failed<ProtectionResult>(*listing.Refusal());
     }
-    std::variant<Work, Finding> plan;
+    std::variant<ProtectionWork, Finding> plan;
     {
         Progress progress(err, "Looking at the files");
         plan = MakePlan(listing, card.root, targets, wanted, progress);
@@ -147,19 +160,17 @@ Report<ProtectionResult> Protect(const CardOptions& card, const TargetOptions& t
     if (auto* finding = std::get_if<Finding>(&plan)) {
         return Failed<ProtectionResult>(*finding);
     }
-    const Work& work = std::get<Work>(plan);
+    const auto& work = std::get<ProtectionWork>(plan);
     Progress progress(err, "Changing the protection");
-    DoWork(listing.List(), work.targets, wanted, progress);
+    ProtectAsPlanned(listing.List(), work.targets, wanted,
+                     [&](std::uint64_t done, std::uint64_t all) { progress.Show(done, all); });
 
     Report<ProtectionResult> report;
     ProtectionResult& result = report.value.emplace();
     result.root = card.root;
     result.wanted = wanted;
     result.already = work.already;
-    LookAtOutcome(work.targets, wanted, result);
-    if (!result.failed.empty()) {
-        report.error = NoEffect(result);
-    }
+    report.error = LookAtProtection(work.targets, wanted, result);
     return report;
 }
 

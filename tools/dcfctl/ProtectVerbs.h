@@ -4,10 +4,14 @@
 #define DCFCTL_PROTECT_VERBS_H
 
 #include <cstddef>
+#include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
+#include "ChangeSafety.h"
 #include "Findings.h"
+#include "ISFileList.h"
 #include "ListVerbs.h"
 #include "Output.h"
 #include "Targets.h"
@@ -32,6 +36,22 @@ struct ProtectionResult {
 
 [[nodiscard]] Report<ProtectionResult> Protect(const CardOptions& card, const TargetOptions& targets, Protection wanted,
                                                Output& err);
+
+// The parts of the work, for a caller that has listed the card already and holds its lock.
+
+struct ProtectionWork {
+    std::vector<Target> targets; ///< Those that are not yet as wanted, in list order.
+    std::size_t already = 0;
+};
+
+/// @param safety the card as it is now. @param files of the list.
+[[nodiscard]] std::variant<ProtectionWork, Finding>
+PlanProtection(ChangeSafety& safety, const std::vector<FileEntry>& files, Protection wanted, const Tick& tick);
+/// Until an interruption (see InterruptGuard). Empties the selection.
+void ProtectAsPlanned(ISFileList& list, const std::vector<Target>& targets, Protection wanted, const Tick& tick);
+/// Looks at what has become of the files. @return where it had no effect.
+[[nodiscard]] std::optional<Finding> LookAtProtection(const std::vector<Target>& targets, Protection wanted,
+                                                      ProtectionResult& result);
 
 } // namespace dcfctl
 

@@ -79,6 +79,32 @@ std::optional<Finding> CheckProtected(const RemovalOptions& options, const Remov
     return std::nullopt;
 }
 
+} // namespace
+
+std::optional<Finding> PlanRemoval(const std::string& dcim, const CardReport& report, ChangeSafety& safety,
+                                   const std::vector<FileEntry>& files, const RemovalOptions& options, const Tick& tick,
+                                   RemovalPlan& plan) {
+    auto judgement = safety.Judge(files, tick);
+    if (judgement.refusal.has_value()) {
+        return judgement.refusal;
+    }
+    for (Target& target : judgement.targets) {
+        if (target.AnyProtected() && !options.protectedToo) {
+            plan.kept.push_back(target.file.path);
+        } else {
+            Add(plan.counts, target);
+            plan.targets.push_back(std::move(target));
+        }
+    }
+    PlanFolders(dcim, report, options.targets.all, safety, plan);
+    if (auto finding = CheckProtected(options, plan)) {
+        return finding;
+    }
+    return CheckFoldersWritable(dcim, plan);
+}
+
+namespace {
+
 /// @return why nothing may be done.
 std::optional<Finding> MakePlan(const CardListing& listing, const std::string& root, const RemovalOptions& options,
                                 Output& err, RemovalPlan& plan) {
@@ -92,24 +118,8 @@ std::optional<Finding> MakePlan(const CardListing& listing, const std::string& r
         return *finding;
     }
     Progress progress(err, "Looking at the files");
-    auto judgement = safety.Judge(std::get<std::vector<FileEntry>>(found),
-                                  [&](std::uint64_t done, std::uint64_t all) { progress.Show(done, all); });
-    if (judgement.refusal.has_value()) {
-        return judgement.refusal;
-    }
-    for (Target& target : judgement.targets) {
-        if (target.AnyProtected() && !options.protectedToo) {
-            plan.kept.push_back(target.file.path);
-        } else {
-            Add(plan.counts, target);
-            plan.targets.push_back(std::move(target));
-        }
-    }
-    PlanFolders(dcim, listing.Inspected(), options.targets.all, safety, plan);
-    if (auto finding = CheckProtected(options, plan)) {
-        return finding;
-    }
-    return CheckFoldersWritable(dcim, plan);
+    const auto tick = [&](std::uint64_t done, std::uint64_t all) { progress.Show(done, all); };
+    return PlanRemoval(dcim, listing.Inspected(), safety, std::get<std::vector<FileEntry>>(found), options, tick, plan);
 }
 
 // ---- The work ----
@@ -161,27 +171,36 @@ void DeleteRest(ISFileList& list, std::size_t announced, Progress& progress) {
     }
 }
 
-void DoWork(CardListing& listing, const RemovalOptions& options, const RemovalPlan& plan, Output& err) {
-    const InterruptGuard guard;
-    Progress progress(err, "Deleting");
+} // namespace
+
+std::size_t RemoveAsPlanned(ISFileList& list, const CardReport& report, const RemovalPlan& plan, const Tick& tick) {
     std::vector<Target> ordinary;
     std::copy_if(plan.targets.begin(), plan.targets.end(), std::back_inserter(ordinary),
                  [](const Target& target) { return !target.AnyProtected(); });
     std::size_t done = 0;
     for (const Batch& batch : MakeBatches(ordinary)) {
         if (InterruptGuard::Interrupted()) {
-            return;
+            break;
         }
-        if (listing.Inspected().ambiguous.empty()) {
-            DeleteAsSet(listing.List(), batch);
+        if (report.ambiguous.empty()) {
+            DeleteAsSet(list, batch);
         } else {
-            DeleteOneByOne(listing.List(), batch);
+            DeleteOneByOne(list, batch);
         }
         done += batch.size();
-        progress.Show(done, plan.targets.size());
+        tick(done, plan.targets.size());
     }
-    const std::size_t rest = plan.targets.size() - ordinary.size();
-    if (options.targets.all && (rest > 0 || !plan.emptyBefore.empty())) {
+    return plan.targets.size() - ordinary.size();
+}
+
+namespace {
+
+void DoWork(CardListing& listing, const RemovalOptions& options, const RemovalPlan& plan, Output& err) {
+    const InterruptGuard guard;
+    Progress progress(err, "Deleting");
+    const auto tick = [&](std::uint64_t done, std::uint64_t all) { progress.Show(done, all); };
+    const std::size_t rest = RemoveAsPlanned(listing.List(), listing.Inspected(), plan, tick);
+    if (!InterruptGuard::Interrupted() && options.targets.all && (rest > 0 || !plan.emptyBefore.empty())) {
         DeleteRest(listing.List(), rest, progress);
     }
 }
@@ -197,7 +216,19 @@ void CountFile(const CardFile& file, std::size_t& count, RemovalResult& result) 
     }
 }
 
-void LookAtOutcome(RemovalResult& result) {
+Finding LeftBehind(const RemovalResult& result, bool interrupted) {
+    const std::string what = "of what was to be deleted, this is still on the card: " + PathsText(result.left);
+    if (interrupted) {
+        return Incomplete("interrupted", "the work was interrupted, and " + what + "; run it again");
+    }
+    return Incomplete("left-behind", what +
+                                         "; check that the card is not locked or damaged and that its folders may be "
+                                         "written, then run it again");
+}
+
+} // namespace
+
+std::optional<Finding> LookAtRemoval(RemovalResult& result) {
     for (const Target& target : result.plan.targets) {
         CountFile(target.file, result.done.files, result);
         if (target.companion.has_value()) {
@@ -211,19 +242,11 @@ void LookAtOutcome(RemovalResult& result) {
             ++result.done.folders;
         }
     }
-}
-
-Finding LeftBehind(const RemovalResult& result, bool interrupted) {
-    const std::string what = "of what was to be deleted, this is still on the card: " + PathsText(result.left);
-    if (interrupted) {
-        return Incomplete("interrupted", "the work was interrupted, and " + what + "; run it again");
+    if (result.left.empty()) {
+        return std::nullopt;
     }
-    return Incomplete("left-behind", what +
-                                         "; check that the card is not locked or damaged and that its folders may be "
-                                         "written, then run it again");
+    return LeftBehind(result, InterruptGuard::Interrupted());
 }
-
-} // namespace
 
 Report<RemovalResult> Remove(const CardOptions& card, const RemovalOptions& options, const AgreeToRemoval& agree,
                              Output& err) {
@@ -248,10 +271,7 @@ Report<RemovalResult> Remove(const CardOptions& card, const RemovalOptions& opti
             return Failed<RemovalResult>(*finding);
         }
         DoWork(listing, options, result.plan, err);
-        LookAtOutcome(result);
-        if (!result.left.empty()) {
-            report.error = LeftBehind(result, InterruptGuard::Interrupted());
-        }
+        report.error = LookAtRemoval(result);
     }
     if (!result.plan.kept.empty()) {
         report.warnings.push_back(

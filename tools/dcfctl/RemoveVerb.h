@@ -12,6 +12,7 @@
 
 #include "ChangeSafety.h"
 #include "Findings.h"
+#include "ISFileList.h"
 #include "ListVerbs.h"
 #include "Output.h"
 #include "Targets.h"
@@ -53,6 +54,18 @@ using AgreeToRemoval = std::function<std::optional<Finding>(const RemovalPlan&)>
 
 [[nodiscard]] Report<RemovalResult> Remove(const CardOptions& card, const RemovalOptions& options,
                                            const AgreeToRemoval& agree, Output& err);
+
+// The parts of the work, for a caller that has listed the card already and holds its lock.
+
+/// @param dcim, report, safety the card as it is now. @param files of the list. @return why nothing may be deleted.
+[[nodiscard]] std::optional<Finding> PlanRemoval(const std::string& dcim, const CardReport& report,
+                                                 ChangeSafety& safety, const std::vector<FileEntry>& files,
+                                                 const RemovalOptions& options, const Tick& tick, RemovalPlan& plan);
+/// Deletes what is not protected, until an interruption (see InterruptGuard). @return how many of the plan are
+/// protected.
+std::size_t RemoveAsPlanned(ISFileList& list, const CardReport& report, const RemovalPlan& plan, const Tick& tick);
+/// Looks at what has become of the plan. @return what is still there.
+[[nodiscard]] std::optional<Finding> LookAtRemoval(RemovalResult& result);
 
 } // namespace dcfctl
 

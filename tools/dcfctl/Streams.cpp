@@ -21,6 +21,9 @@ constexpr char kLastLine[] =
 /// Where the last line goes when standard error has been silenced; -1 before.
 int g_realError = -1;
 
+/// What puts the terminal in order before the last line; null when nothing has to.
+void (*volatile g_before)() = nullptr;
+
 /// A closed stream must fail when it is written to, and must not be handed out again by open.
 void OccupyIfClosed(int fd) {
     if (fcntl(fd, F_GETFD) >= 0) {
@@ -47,6 +50,9 @@ bool LogGoesToStandardError() {
 }
 
 extern "C" void EndIncomplete(int /*signal*/) {
+    if (g_before != nullptr) {
+        g_before();
+    }
     [[maybe_unused]] const ssize_t written = // there is nowhere left to tell of a failure
         write(g_realError < 0 ? STDERR_FILENO : g_realError, kLastLine, sizeof kLastLine - 1);
     _exit(static_cast<int>(dcfctl::ExitCode::kIncomplete));
@@ -80,6 +86,10 @@ int SeparateOutput() {
 void Silence() {
     SendNowhere(STDOUT_FILENO);
     SendNowhere(STDERR_FILENO);
+}
+
+void BeforeLastLine(void (*action)()) {
+    g_before = action;
 }
 
 void CatchAborts() {

@@ -18,6 +18,10 @@ void Silence();
 /// error and the process exits with "incomplete" instead of dying by a signal.
 void CatchAborts();
 
+/// What is to be done before that line: the screen is given back by it. Null for nothing.
+/// @param action calls only what a signal handler may.
+void BeforeLastLine(void (*action)());
+
 } // namespace dcfctl
 
 #endif

@@ -10,6 +10,7 @@
 #include <exception>
 #include <string>
 
+#include "BrowseVerb.h"
 #include "CardInspector.h"
 #include "ChangeCommands.h"
 #include "DcfNames.h"
@@ -114,6 +115,7 @@ void Describe(CLI::App& app, Request& request) {
     app.require_subcommand(0, 1); // a missing one is told below, in the words of this tool
     app.get_formatter()->label("SUBCOMMAND", "VERB");
     AddVerbs(app, request);
+    AddBrowseVerb(app, request.noCamera);
     AddChangeVerbs(app, request.change, request.json, request.noCamera);
     app.footer(ExitCodeHelp());
 }
@@ -146,6 +148,9 @@ ExitCode RunVerb(const CLI::App& app, Request& request, Renderer& renderer, cons
     }
     if (app.got_subcommand("show")) {
         return renderer.Show(Show(card, request.what));
+    }
+    if (app.got_subcommand("browse")) {
+        return Browse(card, renderer, out);
     }
     if (app.got_subcommand("sample")) {
         return renderer.Show(MakeSample(NormalisedRoot(request.sampleFolder)));

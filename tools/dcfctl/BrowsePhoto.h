@@ -1,0 +1,29 @@
+// What a picture's own metadata tells, in the few words that fit beside the list. Empty in a build without the EXIF
+// collector. One thread.
+#ifndef DCFCTL_BROWSE_PHOTO_H
+#define DCFCTL_BROWSE_PHOTO_H
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "CSFileListItem.h"
+#include "ISFileList.h"
+
+namespace dcfctl {
+
+/// Names and what is to be said of them, escaped.
+using BrowseFacts = std::vector<std::pair<std::string, std::string>>;
+
+/// Whether this program has a collector.
+[[nodiscard]] bool CanCollectPhotoFacts();
+
+/// Lets the list collect metadata, where there is a collector.
+void CollectPhotoFacts(ISFileList& list);
+
+/// @param item from the file's second conversion on; the first carries no metadata.
+[[nodiscard]] BrowseFacts PhotoFacts(const CSFileListItem& item);
+
+} // namespace dcfctl
+
+#endif
