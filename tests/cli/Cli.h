@@ -71,6 +71,9 @@ inline constexpr bool kHasTimes = false;
 inline constexpr bool kHasTimes = true;
 #endif
 
+/// What show says last of a file that tells nothing of itself.
+inline constexpr const char* kNoMetadata = DCFCTL_HAS_EXIF ? "  metadata   -" : "  metadata   not in this build";
+
 /// The text in lines, without their ends.
 [[nodiscard]] Words Lines(const std::string& text);
 [[nodiscard]] std::string Joined(const Words& lines);

@@ -30,7 +30,8 @@ void FillSmall(Card& card) {
 std::string FirstFile(const Card& card) {
     return Joined({card.Path("100ABCDE", "KVR_0001.JPG"), "  position   2", "  type       JPG",
                    "  companion  " + card.Path("100ABCDE", "KVR_0001.SRW"), "  folder     100", "  number     1",
-                   "  protected  no", "  Wi-Fi mark no", "  time       " + clitest::ShownTime("2024-05-01T10:00:00Z")});
+                   "  protected  no", "  Wi-Fi mark no", "  time       " + clitest::ShownTime("2024-05-01T10:00:00Z"),
+                   clitest::kNoMetadata});
 }
 
 TEST(Count, IsTheNumberOfFiles) {
@@ -66,7 +67,7 @@ TEST(Show, TellsEverythingAboutAPosition) {
     EXPECT_EQ(OnCard(card.Root(), {"show", "0"}).out,
               Joined({card.Path("101ABCDE", "KVR_0003.JPG"), "  position   0", "  type       JPG", "  companion  -",
                       "  folder     101", "  number     3", "  protected  yes", "  Wi-Fi mark no",
-                      "  time       " + clitest::ShownTime("2024-05-01T10:00:00Z")}));
+                      "  time       " + clitest::ShownTime("2024-05-01T10:00:00Z"), clitest::kNoMetadata}));
 }
 
 TEST(Show, FindsAFileByEveryFormOfItsPath) {

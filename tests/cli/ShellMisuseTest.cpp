@@ -183,8 +183,8 @@ TEST(Misuse, OfWordsIsAMatterOfUsage) {
         {"SetSel 1 maybe", "SetSel: 'maybe' is not one of true, false, on, off, 1, 0; it is SetSel NUMBER FLAG"},
         {"GetFileCount GIF", "GetFileCount: 'GIF' is not one of JPG, SRW, MPO, MP4, AVI, none, or a number; it is "
                              "GetFileCount TYPE"},
-        {"RegisterPhotoMetadataCB 1", "RegisterPhotoMetadataCB: '1' is not one of demo, fail, none; it is "
-                                      "RegisterPhotoMetadataCB demo|fail|none"},
+        {"RegisterPhotoMetadataCB 1", "RegisterPhotoMetadataCB: '1' is not one of demo, exif, fail, none; it is "
+                                      "RegisterPhotoMetadataCB demo|exif|fail|none"},
         {"GetAt \"1", "a quote \" is not closed"},
         {"GetAt \\q", "the backslash in '\\\\q' begins no escape; write a backslash as \\\\"},
         {"GetInfo \\x00", "a word cannot hold a NUL byte"},

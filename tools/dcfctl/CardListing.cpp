@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "DcfNames.h"
+#include "Metadata.h"
 #include "Rehearsal.h"
 
 namespace dcfctl {
@@ -15,6 +16,16 @@ constexpr const char* kDetailsMissing = "details-missing";
 bool IsAboutDetails(const Finding& warning) {
     const std::string code = warning.code;
     return code == kDetailsMissing || code == kSharedFolderNumber;
+}
+
+/// Whether the collector has filled a record since this was last cleared. The list calls it without any way to hand
+/// something along.
+bool g_collected = false;
+
+int Collect(char* path, PhotoInfo* info) {
+    const int result = ExifCollector()(path, info);
+    g_collected = g_collected || result == 0;
+    return result;
 }
 
 Finding ListingFails() {
@@ -70,6 +81,62 @@ void CardListing::Detail(FileEntry& entry) const {
     (void)m_session->List().GetAt(entry.position, &item); // 0 for every position of the list
     entry.type = item.m_eFileType;
     entry.details = FileEntry::Details{item.m_bProtect, item.m_bWifi, item.m_nDirNum, item.m_nFileNum};
+}
+
+/// Positions of files that the list does not find by their number, since another one has the same: only "Camera" can
+/// hold such. What is collected for one of them is kept with the first one.
+std::set<int> CardListing::NotFoundByNumber() const {
+    std::set<int> numbers;
+    std::set<int> positions;
+    for (int position = m_count - 1; position >= 0; --position) {
+        const PathParts path = SplitPath(Simple(position).path);
+        if (path.folder != kCamera) {
+            break; // "Camera" stands at the end of the list
+        }
+        positions.insert(position);
+    }
+    for (auto position = positions.begin(); position != positions.end();) {
+        const auto name = CameraFileName(SplitPath(Simple(*position).path).file);
+        const bool first = !name.has_value() || numbers.insert(name->number).second;
+        position = first ? positions.erase(position) : std::next(position);
+    }
+    return positions;
+}
+
+/// The item carries what was collected from the next conversion on, so the first one is only for collecting.
+void CardListing::Describe(FileEntry& entry) const {
+    CSFileListItem item;
+    DcfExifInfo info = {};
+    g_collected = false;
+    (void)m_session->List().GetAt(entry.position, &item); // 0 for every position of the list
+    if (g_collected) {
+        (void)m_session->List().GetAt(entry.position, &item); // likewise
+    }
+    if (DcfExifRead(item, &info)) {
+        entry.metadata = info;
+    }
+}
+
+void CardListing::AddMetadata(std::vector<FileEntry>& entries) {
+    const std::set<int> misled = NotFoundByNumber();
+    int missing = 0;
+    (void)m_session->List().RegisterPhotoMetadataCB(Collect); // has one result
+    for (FileEntry& entry : entries) {
+        const bool isMisled = misled.count(entry.position) > 0;
+        entry.metadataMissing = isMisled || !entry.details.has_value();
+        missing += isMisled ? 1 : 0;
+        if (!entry.metadataMissing) {
+            Describe(entry);
+        }
+    }
+    (void)m_session->List().RegisterPhotoMetadataCB(nullptr); // has one result
+    if (missing > 0) {
+        m_report.warnings.push_back(
+            {"metadata-missing", ExitCode::kPartial,
+             "files of 'Camera' without their metadata: " + std::to_string(missing) +
+                 "; the list keeps it by the number, the tenth to fifteenth characters of the name, and another file "
+                 "has the same; rename them"});
+    }
 }
 
 std::vector<Finding> CardListing::WarningsWithoutDetails() const {

@@ -3,6 +3,7 @@
 #define DCFCTL_CARD_LISTING_H
 
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -39,6 +40,9 @@ public:
     [[nodiscard]] FileEntry Simple(int position) const;
     /// Adds the details to those entries for which they can be had. Warns where they cannot.
     void AddDetails(std::vector<FileEntry>& entries);
+    /// Adds what the pictures tell to entries that have their details. Warns where the list would keep it with another
+    /// file.
+    void AddMetadata(std::vector<FileEntry>& entries);
     /// What is to be said about a whole list.
     [[nodiscard]] const std::vector<Finding>& Warnings() const {
         return m_report.warnings;
@@ -49,6 +53,8 @@ public:
 private:
     [[nodiscard]] bool CanLookUp(const FileEntry& entry) const;
     void Detail(FileEntry& entry) const;
+    void Describe(FileEntry& entry) const;
+    [[nodiscard]] std::set<int> NotFoundByNumber() const;
 
     CardReport m_report;
     std::optional<FileListSession> m_session;

@@ -4,6 +4,7 @@
 
 #include "ChangeJson.h"
 #include "DcfNames.h"
+#include "MetadataText.h"
 #include "Renderer.h"
 #include "Text.h"
 
@@ -28,7 +29,8 @@ Json CompanionJson(eFileType type, std::string_view path) {
     return json;
 }
 
-Json FileJson(const FileEntry& file) {
+/// @param metadata the key is there, null for a file that tells nothing or of which it is not known.
+Json FileJson(const FileEntry& file, bool metadata) {
     Json json = {{"position", file.position}};
     AddPath(json, "path", file.path);
     json["type"] = TypeJson(file.type);
@@ -39,6 +41,10 @@ Json FileJson(const FileEntry& file) {
     json["directory_number"] = details.has_value() ? Json(details->directoryNumber) : Json();
     json["file_number"] = details.has_value() ? Json(details->fileNumber) : Json();
     AddTime(json, file.time);
+    if (metadata) {
+        json["metadata"] = ExifJson(file.metadata);
+        json["metadata_missing"] = file.metadataMissing;
+    }
     return json;
 }
 
@@ -104,6 +110,8 @@ Json ItemJson(const ShownItem& shown) {
         json["directory_number"] = item.m_nDirNum;
         json["file_number"] = item.m_nFileNum;
         json["metadata"] = MetadataJson(item);
+        DcfExifInfo info = {};
+        json["exif"] = DcfExifRead(item, &info) ? ExifJson(info) : Json();
     }
     return json;
 }
@@ -191,7 +199,7 @@ void JsonRenderer::Put(const Report<ListResult>& report) {
     bool first = true;
     for (const FileEntry& file : report.value->files) {
         Out().Write(first ? "\n" : ",\n");
-        Out().Write(Dumped(FileJson(file)));
+        Out().Write(Dumped(FileJson(file, report.value->metadata)));
         first = false;
         if (Out().Error() != 0) {
             return;
@@ -211,7 +219,7 @@ void JsonRenderer::Put(const Report<CountResult>& report) {
 void JsonRenderer::Put(const Report<ShowResult>& report) {
     Json json = Head("dcfctl.show", report);
     if (report.value.has_value()) {
-        json["file"] = FileJson(report.value->file);
+        json["file"] = FileJson(report.value->file, report.value->metadata);
     }
     PutLine(json);
 }

@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "CardListing.h"
+#include "Metadata.h"
 #include "Text.h"
 
 namespace dcfctl {
@@ -98,6 +99,11 @@ Finding OutOfRange(const std::string& what, int count) {
 } // namespace
 
 Report<ListResult> List(const CardOptions& card, const ListOptions& options) {
+    if (options.metadata) {
+        if (const auto refusal = MetadataRefusal()) {
+            return Failed<ListResult>(*refusal);
+        }
+    }
     CardListing listing(card);
     if (listing.Refusal().has_value()) {
         return Failed<ListResult>(*listing.Refusal());
@@ -109,7 +115,7 @@ Report<ListResult> List(const CardOptions& card, const ListOptions& options) {
             return Failed<ListResult>(UnknownFolder(listing.Inspected(), options.directory));
         }
     }
-    ListResult result{card.root, {}, listing.CountAll()};
+    ListResult result{card.root, {}, listing.CountAll(), options.metadata};
     const std::uint64_t limit = options.limit.value_or(UINT64_MAX);
     for (int position = 0; position < listing.Count() && result.files.size() < limit; ++position) {
         FileEntry entry = listing.Simple(position);
@@ -120,6 +126,9 @@ Report<ListResult> List(const CardOptions& card, const ListOptions& options) {
         }
     }
     listing.AddDetails(result.files);
+    if (options.metadata) {
+        listing.AddMetadata(result.files);
+    }
     return {std::move(result), std::nullopt, listing.Warnings()};
 }
 
@@ -153,9 +162,14 @@ Report<ShowResult> Show(const CardOptions& card, const std::string& what) {
     }
     std::vector<FileEntry> entries = {*entry};
     listing.AddDetails(entries);
-    const bool whole = entries[0].details.has_value();
+    const bool metadata = !MetadataRefusal().has_value();
+    if (metadata) {
+        listing.AddMetadata(entries);
+    }
+    const bool whole = entries[0].details.has_value() && !entries[0].metadataMissing;
     // Nothing is missing from what was asked for when the file itself is whole.
-    return {ShowResult{card.root, entries[0]}, std::nullopt, whole ? std::vector<Finding>() : listing.Warnings()};
+    return {ShowResult{card.root, entries[0], metadata}, std::nullopt,
+            whole ? std::vector<Finding>() : listing.Warnings()};
 }
 
 } // namespace dcfctl

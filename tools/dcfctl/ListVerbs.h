@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "DcfExif.h"
 #include "DcfNames.h"
 #include "FileListTypes.h"
 #include "Findings.h"
@@ -41,6 +42,10 @@ struct FileEntry {
         int fileNumber;
     };
     std::optional<Details> details;
+
+    // What the list was given for the file by the EXIF collector, where that was asked for.
+    std::optional<DcfExifInfo> metadata; ///< Nothing when the file tells nothing.
+    bool metadataMissing = false;        ///< It is not known whether the file tells anything.
 };
 
 struct Counts {
@@ -52,12 +57,14 @@ struct ListOptions {
     std::optional<eFileType> type;
     std::string directory; ///< Name or number; empty for all.
     std::optional<std::uint64_t> limit;
+    bool metadata = false; ///< What the pictures tell, too.
 };
 
 struct ListResult {
     std::string root;
     std::vector<FileEntry> files;
     Counts counts; ///< Of the whole list.
+    bool metadata = false;
 };
 
 struct CountResult {
@@ -69,6 +76,7 @@ struct CountResult {
 struct ShowResult {
     std::string root;
     FileEntry file;
+    bool metadata = false; ///< The EXIF collector is there and was asked.
 };
 
 [[nodiscard]] Report<ListResult> List(const CardOptions& card, const ListOptions& options);

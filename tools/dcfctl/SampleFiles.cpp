@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 
 #include "Jpeg.h"
 #include "Tiff.h"
@@ -80,26 +81,88 @@ void AddMaker(TiffDirectory& directory) {
     directory.Text(0x0110, "dcfctl sample");
 }
 
-TiffDirectory ExposureDirectory(std::time_t time) {
+/// How a picture was taken: one of a few ways, by its number.
+struct Exposure {
+    std::uint32_t iso;
+    std::uint32_t seconds[2]; ///< A fraction.
+    std::uint32_t aperture;   ///< Tenths.
+    std::uint32_t focal;      ///< Millimetres.
+    std::int32_t bias;        ///< Thirds of an EV.
+    std::uint32_t flash;
+    std::uint32_t scene;
+};
+
+constexpr Exposure kExposures[] = {
+    {200, {1, 125}, 56, 35, 0, 0x10, 0},   // by day, flash off
+    {100, {1, 1000}, 28, 50, -1, 0x18, 2}, // a portrait, flash automatic
+    {1600, {1, 60}, 18, 18, 0, 0x19, 0},   // indoors, flash fired
+    {100, {4, 1}, 110, 24, 2, 0x10, 3},    // at night
+};
+
+TiffDirectory ExposureDirectory(int number, std::time_t time, std::uint32_t width, std::uint32_t height) {
+    const Exposure& taken = kExposures[static_cast<std::size_t>(number) % std::size(kExposures)];
     TiffDirectory exif;
-    exif.Rational(0x829a, 1, 125);                              // exposure time in seconds
-    exif.Rational(0x829d, 56, 10);                              // aperture
-    exif.Short(0x8827, 200);                                    // ISO speed
+    exif.Rational(0x829a, taken.seconds[0], taken.seconds[1]);  // exposure time in seconds
+    exif.Rational(0x829d, taken.aperture, 10);                  // aperture
+    exif.Short(0x8822, 2);                                      // normal program
+    exif.Short(0x8827, taken.iso);                              // ISO speed
     exif.Undefined(0x9000, "0230");                             // EXIF version
     exif.Text(0x9003, ExifDate(time));                          // taken
     exif.Text(0x9004, ExifDate(time));                          // stored
     exif.Undefined(0x9101, std::string("\x01\x02\x03\x00", 4)); // luminance and two colour differences
-    exif.Short(0x9209, 0);                                      // no flash
-    exif.Rational(0x920a, 35, 1);                               // focal length in millimetres
-    exif.Undefined(0xa000, "0100");                             // interchange format version
-    exif.Short(0xa001, 1);                                      // sRGB
-    exif.Long(0xa002, kColumns * kBlockSize);
-    exif.Long(0xa003, kRows * kBlockSize);
+    exif.SignedRational(0x9204, taken.bias, 3);                 // exposure bias
+    exif.Short(0x9207, 5);                                      // pattern metering
+    exif.Short(0x9209, taken.flash);
+    exif.Rational(0x920a, taken.focal, 1); // focal length in millimetres
+    exif.Undefined(0xa000, "0100");        // interchange format version
+    exif.Short(0xa001, 1);                 // sRGB
+    exif.Long(0xa002, width);
+    exif.Long(0xa003, height);
+    exif.Short(0xa402, 0);                     // automatic exposure
+    exif.Short(0xa403, 0);                     // automatic white balance
+    exif.Short(0xa405, taken.focal * 15 / 10); // focal length on 35 mm film
+    exif.Short(0xa406, taken.scene);
     return exif;
 }
 
-std::string ExifSegment(std::time_t time) {
-    const auto mainDirectory = [time](std::uint32_t exifOffset) {
+/// Where a picture was taken; not every camera knows.
+bool HasPosition(int number) {
+    return number % 10 == 3;
+}
+
+TiffDirectory PositionDirectory() {
+    TiffDirectory gps;
+    gps.Undefined(0, std::string("\x02\x03\x00\x00", 4)); // version
+    gps.Text(1, "N");
+    gps.Rationals(2, {48, 1, 51, 1, 2964, 100});
+    gps.Text(3, "E");
+    gps.Rationals(4, {2, 1, 17, 1, 4020, 100});
+    gps.Byte(5, 0); // above the sea
+    gps.Rational(6, 357, 10);
+    return gps;
+}
+
+/// The directories of EXIF and GPS, for a first directory that is filled by somebody else.
+struct ExifPart {
+    int number;
+    TiffDirectory exposure;
+
+    /// Names them in the first directory. @param offset where the first of them stands.
+    void Name(TiffDirectory& first, std::uint32_t offset) const {
+        first.Long(0x8769, offset);
+        if (HasPosition(number)) {
+            first.Long(0x8825, offset + exposure.Size());
+        }
+    }
+    [[nodiscard]] std::string Bytes(std::uint32_t offset) const {
+        return exposure.Bytes(offset) +
+               (HasPosition(number) ? PositionDirectory().Bytes(offset + exposure.Size()) : std::string());
+    }
+};
+
+std::string ExifSegment(int number, std::time_t time) {
+    const ExifPart part = {number, ExposureDirectory(number, time, kColumns * kBlockSize, kRows * kBlockSize)};
+    const auto mainDirectory = [&](std::uint32_t exifOffset) {
         TiffDirectory main;
         AddMaker(main);
         main.Short(0x0112, 1);        // upright
@@ -108,19 +171,18 @@ std::string ExifSegment(std::time_t time) {
         main.Short(0x0128, 2);
         main.Text(0x0132, ExifDate(time));
         main.Short(0x0213, 1);
-        main.Long(0x8769, exifOffset);
+        part.Name(main, exifOffset);
         return main;
     };
     const std::uint32_t exifOffset = kTiffHeaderSize + mainDirectory(0).Size();
     return JpegSegment(kApplication1, std::string("Exif\0\0", 6) + TiffHeader() +
-                                          mainDirectory(exifOffset).Bytes(kTiffHeaderSize) +
-                                          ExposureDirectory(time).Bytes(exifOffset));
+                                          mainDirectory(exifOffset).Bytes(kTiffHeaderSize) + part.Bytes(exifOffset));
 }
 
 // ---- The kinds of file ----
 
 std::string Jpg(int number, std::time_t time) {
-    return EncodeJpeg(Picture(number), ExifSegment(time));
+    return EncodeJpeg(Picture(number), ExifSegment(number, time));
 }
 
 /// A grey picture in the container that raw files use.
@@ -130,7 +192,8 @@ std::string Srw(int number, std::time_t time) {
     for (const Colour cell : picture.cells) {
         pixels += static_cast<char>(cell.green);
     }
-    const auto directory = [&](std::uint32_t pixelOffset) {
+    const ExifPart part = {number, ExposureDirectory(number, time, kColumns, kRows)};
+    const auto directory = [&](std::uint32_t pixelOffset, std::uint32_t exifOffset) {
         TiffDirectory raw;
         raw.Long(0x0100, kColumns);
         raw.Long(0x0101, kRows);
@@ -144,15 +207,17 @@ std::string Srw(int number, std::time_t time) {
         raw.Long(0x0116, kRows);
         raw.Long(0x0117, static_cast<std::uint32_t>(pixels.size()));
         raw.Text(0x0132, ExifDate(time));
+        part.Name(raw, exifOffset);
         return raw;
     };
-    const std::uint32_t pixelOffset = kTiffHeaderSize + directory(0).Size();
-    return TiffHeader() + directory(pixelOffset).Bytes(kTiffHeaderSize) + pixels;
+    const std::uint32_t exifOffset = kTiffHeaderSize + directory(0, 0).Size();
+    const auto pixelOffset = static_cast<std::uint32_t>(exifOffset + part.Bytes(0).size());
+    return TiffHeader() + directory(pixelOffset, exifOffset).Bytes(kTiffHeaderSize) + part.Bytes(exifOffset) + pixels;
 }
 
 /// Two pictures behind each other, with an index in the first that tells where the second is.
 std::string Mpo(int number, std::time_t time) {
-    const std::string second = EncodeJpeg(Picture(number + 1), ExifSegment(time));
+    const std::string second = EncodeJpeg(Picture(number + 1), ExifSegment(number, time));
     const auto index = [](std::uint32_t firstSize, std::uint32_t secondSize, std::uint32_t secondOffset) {
         constexpr std::uint32_t kLeftRight = 0x00020002;
         constexpr std::uint32_t kRepresentative = 0x20000000;
@@ -164,7 +229,7 @@ std::string Mpo(int number, std::time_t time) {
                                         LittleEndian32(secondSize) + LittleEndian32(secondOffset) + LittleEndian32(0));
         return JpegSegment(kApplication2, std::string("MPF\0", 4) + TiffHeader() + directory.Bytes(kTiffHeaderSize));
     };
-    const std::string exif = ExifSegment(time);
+    const std::string exif = ExifSegment(number, time);
     const auto firstSize = static_cast<std::uint32_t>(EncodeJpeg(Picture(number), exif + index(0, 0, 0)).size());
     // The index counts from its own header: behind the start of the image, EXIF, the segment's four bytes and its name.
     const auto header = static_cast<std::uint32_t>(2 + exif.size() + 4 + 4);

@@ -28,7 +28,7 @@ const NamedValues& ValuesOf(ArgumentKind kind) {
                                         {"optional", FILE_LIST_COLOR_MODE_OPTIONAL}};
     static const NamedValues images = {{"ordinary", FILE_LIST_IMAGE_TYPE_ORDINARY},
                                        {"stereoscopic", FILE_LIST_IMAGE_TYPE_STEREOSCOPIC}};
-    static const NamedValues collectors = {{"demo", 0}, {"fail", 0}, {"none", 0}};
+    static const NamedValues collectors = {{"demo", 0}, {kExifCollector, 0}, {"fail", 0}, {"none", 0}};
     static const NamedValues nothing;
     switch (kind) {
     case ArgumentKind::kFlag:

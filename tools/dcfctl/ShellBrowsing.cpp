@@ -1,6 +1,7 @@
 // The shell's operations that list and browse; see ShellOperations.h.
 #include <string>
 
+#include "Metadata.h"
 #include "ShellOperations.h"
 
 namespace dcfctl {
@@ -145,9 +146,10 @@ int DemoVideoCollector(char* /*path*/, VideoInfo* /*info*/) {
 
 CallResult RegisterPhotoMetadataCB(ShellState& state, const Arguments& arguments) {
     const std::string& which = *arguments[0].text;
-    int (*const collector)(char*, PhotoInfo*) = which == "demo"   ? DemoCollector
-                                                : which == "fail" ? FailingCollector
-                                                                  : nullptr;
+    int (*const collector)(char*, PhotoInfo*) = which == "demo"           ? DemoCollector
+                                                : which == kExifCollector ? ExifCollector()
+                                                : which == "fail"         ? FailingCollector
+                                                                          : nullptr;
     return {state.list->RegisterPhotoMetadataCB(collector), {}, {}};
 }
 
@@ -179,7 +181,7 @@ std::vector<Operation> ListingOperations() {
          kNone,
          UpdateFirstIndex},
         {"RegisterPhotoMetadataCB",
-         "demo|fail|none",
+         "demo|exif|fail|none",
          "choose the photo collector",
          {kCollector},
          kNone,

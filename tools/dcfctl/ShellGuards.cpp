@@ -5,6 +5,7 @@
 
 #include "CardInspector.h"
 #include "DcfNames.h"
+#include "Metadata.h"
 #include "Rehearsal.h"
 #include "ShellChangeGuards.h"
 #include "ShellOperations.h"
@@ -271,6 +272,12 @@ std::optional<Finding> CheckOperation(ShellState& state, const Operation& operat
     }
     if (state.list == nullptr) {
         return Refusal(operation, "no-file-list", "there is no file list; Create makes one");
+    }
+    const Argument* collector = Find(arguments, ArgumentKind::kCollector);
+    if (collector != nullptr && collector->text == kExifCollector) {
+        if (const auto refusal = MetadataRefusal()) {
+            return Refusal(operation, refusal->code, refusal->text);
+        }
     }
     if ((operation.guards & kListing) != 0) {
         if (auto finding = CheckListing(state, operation)) {

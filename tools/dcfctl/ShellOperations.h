@@ -20,6 +20,8 @@ namespace dcfctl {
 
 inline constexpr const char* kStandardPrefix = "KVR_";
 inline constexpr const char* kOptionalPrefix = "_KVR";
+/// The photo collector that reads the pictures.
+inline constexpr const char* kExifCollector = "exif";
 
 /// What a shell works on.
 struct ShellState {

@@ -5,6 +5,7 @@
 
 #include "ChangeText.h"
 #include "DcfNames.h"
+#include "MetadataText.h"
 #include "Renderer.h"
 #include "Text.h"
 
@@ -70,6 +71,16 @@ std::string CountLine(std::size_t shown, const Counts& counts) {
 /// The name of a shared value and the value, one a line.
 std::string Field(const char* name, const std::string& value) {
     return "  " + Padded(name, 11) + value + "\n";
+}
+
+/// What a picture tells, a line each, under a head.
+std::string ExifFields(const DcfExifInfo& info) {
+    constexpr std::size_t kWidth = 15;
+    std::string text = "  metadata\n";
+    for (const auto& [name, value] : MetadataTexts(info)) {
+        text += "    " + Padded(name, kWidth) + value + "\n";
+    }
+    return text;
 }
 
 class TextRenderer : public Renderer {
@@ -156,7 +167,8 @@ void TextRenderer::PutTable(const ListResult& list) {
     const int last = list.files.empty() ? 0 : list.files.back().position;
     const std::size_t width = std::max<std::size_t>(3, std::to_string(last).size());
     if (!list.files.empty()) {
-        const std::string header = RightAligned("POS", width) + "  TYPE  COMPANION  MARKS  TIME                  PATH";
+        const std::string header = RightAligned("POS", width) + "  TYPE  COMPANION  MARKS  TIME                  " +
+                                   (list.metadata ? MetadataHead() : "") + "PATH";
         Out().Write(Out().HasColour() ? kBold + header + kPlain : header);
         Out().Write("\n");
     }
@@ -164,7 +176,7 @@ void TextRenderer::PutTable(const ListResult& list) {
         const char* companion = file.companion.has_value() ? TypeText(file.companion->type) : "-";
         Out().Write(RightAligned(std::to_string(file.position), width) + "  " + Padded(TypeText(file.type), 6) +
                     Padded(companion, 11) + Padded(Marks(file.details), 7) + Padded(TimeText(file.time), 22) +
-                    Name(file.path) + "\n");
+                    (list.metadata ? MetadataColumns(file) : "") + Name(file.path) + "\n");
         if (Out().Error() != 0) {
             return;
         }
@@ -213,7 +225,15 @@ void TextRenderer::Put(const Report<ShowResult>& report) {
     } else {
         text += Field("details", "not to be had");
     }
-    Out().Write(text + Field("time", TimeText(file.time)));
+    text += Field("time", TimeText(file.time));
+    if (file.metadata.has_value()) {
+        text += ExifFields(*file.metadata);
+    } else {
+        text += Field("metadata", !report.value->metadata ? "not in this build"
+                                  : file.metadataMissing  ? "not to be had"
+                                                          : "-");
+    }
+    Out().Write(text);
 }
 
 void TextRenderer::Put(const Report<SampleResult>& report) {
@@ -272,7 +292,9 @@ std::string TextRenderer::ItemFields(const ShownItem& shown) {
     text += Field("number", std::to_string(item.m_nFileNum));
     text += Field("protected", YesNo(item.m_bProtect));
     text += Field("Wi-Fi mark", YesNo(item.m_bWifi));
-    return text + MetadataFields(item);
+    text += MetadataFields(item);
+    DcfExifInfo info = {};
+    return DcfExifRead(item, &info) ? text + ExifFields(info) : text;
 }
 
 void TextRenderer::Put(const ShellReply& reply) {

@@ -4,7 +4,15 @@
 namespace dcfctl {
 namespace {
 
-enum FieldType : std::uint32_t { kText = 2, kShort = 3, kLong = 4, kRational = 5, kUndefined = 7 };
+enum FieldType : std::uint32_t {
+    kByte = 1,
+    kText = 2,
+    kShort = 3,
+    kLong = 4,
+    kRational = 5,
+    kUndefined = 7,
+    kSignedRational = 10
+};
 
 constexpr std::size_t kFieldSize = 12;
 constexpr std::size_t kInlineSize = 4;
@@ -63,7 +71,25 @@ void TiffDirectory::Text(std::uint32_t tag, std::string_view text) {
 }
 
 void TiffDirectory::Rational(std::uint32_t tag, std::uint32_t numerator, std::uint32_t denominator) {
-    m_fields.push_back({tag, kRational, 1, LittleEndian32(numerator) + LittleEndian32(denominator)});
+    Rationals(tag, {numerator, denominator});
+}
+
+void TiffDirectory::Rationals(std::uint32_t tag, const std::vector<std::uint32_t>& values) {
+    std::string bytes;
+    for (const std::uint32_t value : values) {
+        bytes += LittleEndian32(value);
+    }
+    m_fields.push_back({tag, kRational, static_cast<std::uint32_t>(values.size() / 2), bytes});
+}
+
+void TiffDirectory::SignedRational(std::uint32_t tag, std::int32_t numerator, std::int32_t denominator) {
+    m_fields.push_back({tag, kSignedRational, 1,
+                        LittleEndian32(static_cast<std::uint32_t>(numerator)) +
+                            LittleEndian32(static_cast<std::uint32_t>(denominator))});
+}
+
+void TiffDirectory::Byte(std::uint32_t tag, std::uint8_t value) {
+    m_fields.push_back({tag, kByte, 1, std::string(1, static_cast<char>(value))});
 }
 
 void TiffDirectory::Undefined(std::uint32_t tag, std::string_view bytes) {

@@ -27,6 +27,10 @@ public:
     void Long(std::uint32_t tag, std::uint32_t value);
     void Text(std::uint32_t tag, std::string_view text);
     void Rational(std::uint32_t tag, std::uint32_t numerator, std::uint32_t denominator);
+    /// Several fractions. @param values numerators and denominators in turn.
+    void Rationals(std::uint32_t tag, const std::vector<std::uint32_t>& values);
+    void SignedRational(std::uint32_t tag, std::int32_t numerator, std::int32_t denominator);
+    void Byte(std::uint32_t tag, std::uint8_t value);
     void Undefined(std::uint32_t tag, std::string_view bytes);
 
     [[nodiscard]] std::uint32_t Size() const;

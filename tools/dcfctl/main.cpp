@@ -75,8 +75,13 @@ void AddVerbs(CLI::App& app, Request& request) {
             return number.has_value() && *number >= 0 ? "" : "'" + text + "' is no number of files; use 0 or more";
         });
     AddReadingOptions(*ls, request);
+    CLI::Option* metadata =
+        ls->add_flag("--metadata", request.list.metadata, "What the pictures tell of themselves, too");
     CLI::Option* paths = ls->add_flag("--paths", request.paths, "Only the paths, one a line");
     CLI::Option* nul = ls->add_flag("-0,--null", request.nul, "Only the paths, as they are, each ended by a NUL byte");
+    for (CLI::Option* option : {paths, nul}) {
+        option->excludes(metadata);
+    }
     paths->excludes(ls->get_option("--json"));
     nul->excludes(ls->get_option("--json"));
 
