@@ -160,6 +160,7 @@ protected:
     void Put(const Report<SeriesResult>& report) override {
         PutChange("dcfctl.series", report);
     }
+    void Put(const Report<SheetResult>& report) override;
     void Put(const ShellReply& reply) override;
 
 private:
@@ -222,6 +223,19 @@ void JsonRenderer::Put(const Report<SampleResult>& report) {
         json["files"] = report.value->files;
         json["folders"] = report.value->folders;
         json["protected"] = report.value->protectedFiles;
+    }
+    PutLine(json);
+}
+
+void JsonRenderer::Put(const Report<SheetResult>& report) {
+    Json json = Head("dcfctl.sheet", report);
+    if (report.value.has_value()) {
+        const SheetResult& sheet = *report.value;
+        AddPath(json, "out", sheet.out);
+        json["bytes"] = sheet.bytes;
+        json["counts"] = CountsJson(sheet.counts);
+        json["folders"] = sheet.folders;
+        json["thumbnails"] = {{"embedded", sheet.embedded}, {"made", sheet.made}, {"missing", sheet.missing}};
     }
     PutLine(json);
 }

@@ -16,6 +16,7 @@
 #include "RenumberVerb.h"
 #include "SampleVerb.h"
 #include "SeriesVerb.h"
+#include "SheetVerb.h"
 #include "ShellTypes.h"
 
 namespace dcfctl {
@@ -68,6 +69,7 @@ protected:
     virtual void Put(const Report<AddResult>& report) = 0;
     virtual void Put(const Report<RenumberResult>& report) = 0;
     virtual void Put(const Report<SeriesResult>& report) = 0;
+    virtual void Put(const Report<SheetResult>& report) = 0;
     virtual void Put(const ShellReply& reply) = 0;
 
     [[nodiscard]] Output& Out() {

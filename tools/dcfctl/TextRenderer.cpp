@@ -5,6 +5,7 @@
 
 #include "ChangeText.h"
 #include "DcfNames.h"
+#include "Phrases.h"
 #include "Renderer.h"
 #include "Text.h"
 
@@ -115,6 +116,7 @@ protected:
     void Put(const Report<SeriesResult>& report) override {
         PutChange(report);
     }
+    void Put(const Report<SheetResult>& report) override;
     void Put(const ShellReply& reply) override;
 
 private:
@@ -225,6 +227,18 @@ void TextRenderer::Put(const Report<SampleResult>& report) {
                 " in " + std::to_string(sample.folders) + " folders, " + std::to_string(sample.protectedFiles) +
                 " of them protected.\n");
     Out().Write("List it with: dcfctl ls --card '" + Name(sample.root) + "'\n");
+}
+
+/// A sheet that went to standard output says it all itself.
+void TextRenderer::Put(const Report<SheetResult>& report) {
+    if (!report.value.has_value() || report.value->out == kStandardOutput) {
+        return;
+    }
+    const SheetResult& sheet = *report.value;
+    Out().Write("Wrote " + Name(sheet.out) + " (" + SizeText(sheet.bytes) +
+                "): " + Files(static_cast<std::size_t>(sheet.counts.files)) + " in " +
+                CountText(sheet.folders, "folder", "folders") + ", " +
+                CountText(sheet.embedded + sheet.made, "thumbnail", "thumbnails") + ".\n");
 }
 
 // ---- The shell ----

@@ -18,6 +18,7 @@
 #include "Output.h"
 #include "Renderer.h"
 #include "SampleVerb.h"
+#include "SheetCommands.h"
 #include "ShellVerb.h"
 #include "Streams.h"
 #include "Text.h"
@@ -40,6 +41,7 @@ struct Request {
     bool paths = false;
     bool nul = false;
     ChangeRequest change;
+    SheetOptions sheet;
 };
 
 std::string ExitCodeHelp() {
@@ -115,6 +117,7 @@ void Describe(CLI::App& app, Request& request) {
     app.get_formatter()->label("SUBCOMMAND", "VERB");
     AddVerbs(app, request);
     AddChangeVerbs(app, request.change, request.json, request.noCamera);
+    AddSheetVerb(app, request.sheet, request.json, request.noCamera);
     app.footer(ExitCodeHelp());
 }
 
@@ -128,10 +131,13 @@ Format FormatOf(const Request& request) {
     return request.paths ? Format::kPaths : Format::kText;
 }
 
-ExitCode RunVerb(const CLI::App& app, Request& request, Renderer& renderer, const Output& out, Output& err) {
+ExitCode RunVerb(const CLI::App& app, Request& request, Renderer& renderer, Output& out, Output& err) {
     const CardOptions card = {NormalisedRoot(request.card), !request.noCamera};
     if (const auto code = RunChangeVerb(app, request.change, card, renderer, err)) {
         return *code;
+    }
+    if (app.got_subcommand("sheet")) {
+        return renderer.Show(MakeSheet(card, request.sheet, out, err));
     }
     const auto type = TypeFromText(request.type);
     if (app.got_subcommand("ls")) {
