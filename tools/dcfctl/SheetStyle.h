@@ -47,10 +47,11 @@ figcaption{padding:.4rem .5rem .5rem;font-size:.8rem;line-height:1.35}
 .maps{list-style:none;margin:0;padding:0;display:grid;gap:1rem 2rem;
 grid-template-columns:repeat(auto-fill,minmax(min(24rem,100%),1fr))}
 .maps li{content-visibility:auto;contain-intrinsic-size:auto 24rem auto 6rem}
-svg.map{display:block;width:100%;height:.9rem;background:var(--free);border:1px solid var(--line);border-radius:.2rem}
-svg.map path{fill:var(--used);stroke:var(--used);stroke-width:1.5px;vector-effect:non-scaling-stroke}
+svg.map{display:block;width:100%;height:.9rem;background:var(--free);border:1px solid var(--line);border-radius:.2rem;overflow:visible}
+svg.map path{fill:var(--used);stroke:var(--used);stroke-width:2px;vector-effect:non-scaling-stroke}
 .ends{display:flex;justify-content:space-between;color:var(--dim);font-size:.7rem;font-variant-numeric:tabular-nums}
 .runs{color:var(--dim);font-size:.85rem;font-variant-numeric:tabular-nums;margin:0}
+footer{margin-top:2rem}
 .defs{position:absolute;width:0;height:0}
 @media print{
 :root{--page:#fff;--paper:#fff;--text:#000;--dim:#333;--line:#999;--free:#fff;--used:#000;--link:#000;--badge:#fff;
@@ -59,7 +60,9 @@ svg.map path{fill:var(--used);stroke:var(--used);stroke-width:1.5px;vector-effec
 body{padding:0;max-width:none;font-size:9pt}
 nav,.skip{display:none}
 a{text-decoration:none}
-h2,h3{break-after:avoid}
+h2,h3,section p.dim{break-after:avoid}
+.name,.date{font-size:6.5pt}
+.maps{grid-template-columns:1fr 1fr;gap:4mm 8mm}
 .grid{grid-template-columns:repeat(5,1fr);gap:3mm}
 .grid li,.maps li{break-inside:avoid;content-visibility:visible}
 .badge,.row li{border:1px solid #999}

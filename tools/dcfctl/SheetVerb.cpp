@@ -130,7 +130,8 @@ private:
 
     static ByListedName NamesIn(const std::string& folder) {
         ByListedName names;
-        for (const std::string& name : FolderContents(folder, false).Names()) {
+        const FolderContents contents(folder, false);
+        for (const std::string& name : contents.Names()) {
             names.emplace(UpperCased(name), name);
         }
         return names;
@@ -163,6 +164,7 @@ public:
 private:
     Illustration Look(const FileEntry& file) {
         constexpr int kSide = 192;
+        constexpr std::size_t kHeavy = 16U << 10U; // more than a made one has; ten thousand of these would be too much
         Illustration shown;
         if (file.type == FILE_TYPE_MP4 || file.type == FILE_TYPE_AVI) {
             shown.missing = "movie";
@@ -175,12 +177,13 @@ private:
             shown.missing = "left out of this sheet";
             return shown;
         }
-        shown.thumbnail = std::move(head.thumbnail);
-        if (!shown.thumbnail.empty()) {
-            ++m_result.embedded;
-        } else {
+        if (head.thumbnail.empty() || head.thumbnail.size() > kHeavy) {
             shown.thumbnail = m_reader.Made(path, kSide);
-            m_result.made += shown.thumbnail.empty() ? 0 : 1;
+        }
+        m_result.made += shown.thumbnail.empty() ? 0 : 1;
+        if (shown.thumbnail.empty() && !head.thumbnail.empty()) {
+            shown.thumbnail = std::move(head.thumbnail);
+            ++m_result.embedded;
         }
         if (shown.thumbnail.empty()) {
             shown.missing = WhyMissing(path);
@@ -256,6 +259,7 @@ Report<SheetResult> MakeSheet(const CardOptions& card, const SheetOptions& optio
     SheetContent content;
     content.root = card.root;
     content.name = SplitPath(RealPath(card.root + "/")).file;
+    content.name = content.name.empty() ? "/" : content.name;
     content.counts = listing.CountAll();
     for (int position = 0; position < listing.Count(); ++position) {
         content.files.push_back(listing.Simple(position));

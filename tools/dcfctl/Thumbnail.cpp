@@ -24,7 +24,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::seconds kPatience(5);
 constexpr rlim_t kMemory = 1U << 30U;
 constexpr std::uint32_t kLongestText = 4U << 20U;
 constexpr int kChildSocket = 3;
@@ -199,7 +198,7 @@ std::optional<ThumbnailReader::Answer> ThumbnailReader::Ask(const std::string& p
         return std::nullopt;
     }
     const auto wanted = static_cast<std::uint32_t>(side);
-    const Clock::time_point until = Clock::now() + kPatience;
+    const Clock::time_point until = Clock::now() + m_patience;
     Answer answer(2);
     if (SendText(m_socket, path) && Send(m_socket, &wanted, sizeof wanted) && ReceiveText(m_socket, answer[0], until) &&
         ReceiveText(m_socket, answer[1], until)) {

@@ -6,6 +6,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
@@ -29,7 +30,8 @@ inline constexpr bool kCanMakeThumbnails = false;
 /// Asks one child about many pictures, and another one when it has ended over a picture.
 class ThumbnailReader {
 public:
-    ThumbnailReader() = default;
+    /// @param patience how long a picture may take.
+    explicit ThumbnailReader(std::chrono::milliseconds patience = std::chrono::seconds(5)) : m_patience(patience) {}
     ThumbnailReader(const ThumbnailReader&) = delete;
     ThumbnailReader& operator=(const ThumbnailReader&) = delete;
     ~ThumbnailReader();
@@ -48,6 +50,7 @@ private:
     bool Start();
     void End();
 
+    std::chrono::milliseconds m_patience;
     pid_t m_child = -1;
     int m_socket = -1;
 };
