@@ -58,7 +58,7 @@ TEST(Numbers, AreThoseOfPairsOnceAndNoneOfCamera) {
     card.AddFiles("100PHOTO", {"KVR_0003.JPG", "KVR_0003.SRW"}).AddFiles("Camera", {"20240501_134500.JPG"});
     const SheetPage page = SheetOf(card.Root());
     EXPECT_EQ(page.Runs("100PHOTO", "used"), "used (1): 0003");
-    EXPECT_EQ(page.All("//h:section[@id='numbers']//h:li[h:h3='Camera']/h:p"),
+    EXPECT_EQ(page.All("//h:section[@id='numbers']/h:ul/h:li[h:h3='Camera']/h:p"),
               Words{"named after the time: 1 file, no numbers used"});
 }
 
@@ -81,7 +81,7 @@ TEST(Numbers, AreDrawnAsOneRectangleForEachRun) {
     Card card;
     card.AddFiles("100PHOTO", {DcfName(2), DcfName(3), DcfName(4), DcfName(9000)});
     const SheetPage page = SheetOf(card.Root());
-    const std::string map = "//h:section[@id='numbers']//h:li[h:h3='100PHOTO']/*[local-name()='svg']";
+    const std::string map = "//h:section[@id='numbers']/h:ul/h:li[h:h3='100PHOTO']/*[local-name()='svg']";
     EXPECT_EQ(page.One(map + "/@viewBox"), "1 0 9999 10");
     EXPECT_EQ(Drawn(page.One(map + "/*/@d")), (std::map<int, int>{{2, 3}, {9000, 1}}));
 }
@@ -111,7 +111,7 @@ TEST(Numbers, OfAFullCardStaySmall) {
     EXPECT_EQ(page.Runs("Folder numbers", "used"), "used (900): 100–999");
     EXPECT_EQ(page.Runs("Folder numbers", "free"), "free (0): none");
     EXPECT_LT(html.size(), 900U * 1200U);
-    EXPECT_EQ(page.Count("//h:nav//h:details"), 1U) << "so many folders are folded away";
+    EXPECT_EQ(page.Count("//h:nav/h:details"), 1U) << "so many folders are folded away";
 }
 
 } // namespace

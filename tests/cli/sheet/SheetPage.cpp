@@ -78,7 +78,7 @@ std::string SheetPage::Alternative(int position) const {
 }
 
 std::string SheetPage::Runs(const std::string& title, const std::string& kind) const {
-    return One("//h:section[@id='numbers']//h:li[h:h3='" + title + "']/h:p[@class='runs " + kind + "']");
+    return One("//h:section[@id='numbers']/h:ul/h:li[h:h3='" + title + "']/h:p[@class='runs " + kind + "']");
 }
 
 SheetPage SheetOf(const std::string& root, const Words& options) {

@@ -9,7 +9,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
-#include <filesystem>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -55,10 +55,10 @@ PictureHead DecodeHead(const std::string& path) {
 }
 
 std::string DecodeScaled(const std::string& path, int side) {
+    std::vector<std::unique_ptr<char[]>> all;
     if (path == "devour") {
-        std::vector<std::vector<char>> all;
-        for (;;) {
-            all.emplace_back(64U << 20U);
+        for (;;) { // never touched, so that it is the limit that ends it and not the machine
+            all.emplace_back(new char[64U << 20U]);
         }
     }
     return path == "giant" ? std::string(100U << 20U, 'x') : path + " " + std::to_string(side);
