@@ -120,6 +120,7 @@ void Confine(int socket) {
     (void)prctl(PR_SET_DUMPABLE, 0, 0, 0, 0);
     (void)prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
     Silence();
+    (void)dup2(STDOUT_FILENO, STDIN_FILENO); // leads nowhere now
     if (dup2(socket, kChildSocket) < 0 || close_range(kChildSocket + 1, UINT_MAX, 0) != 0) {
         _exit(1);
     }
