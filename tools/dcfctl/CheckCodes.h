@@ -46,6 +46,7 @@ enum class CheckCode {
     kRootPhoto,
     kRootTooLong,
     kDcimLink,
+    kListingFails,
     kNumbersUsedUp,
     kNumbersNearlyUsedUp,
     kNoNextName,
@@ -53,7 +54,7 @@ enum class CheckCode {
     kRenumberHarmful,
     kRenumberTakesAlong,
     // Hazards of a folder.
-    kSharedFolderNumber,
+    kFolderNumberShared,
     kOddFolderNumber,
     kFolderLink,
     // Hazards of a file.

@@ -46,6 +46,7 @@ struct CheckResult {
     std::vector<CheckFinding> findings; ///< By severity, then by code, then in the order of the card.
     RenumberPlan renumbering;           ///< What a renumbering would do.
     std::optional<Finding> refusal;     ///< Why the card cannot be listed at all.
+    bool showAll = false;               ///< Text is to show every finding, not only the first ones of a code.
 };
 
 /// @param err receives the progress, on a terminal. @return without a value only for a card that cannot be read; with
