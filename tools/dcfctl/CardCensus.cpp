@@ -2,6 +2,7 @@
 #include "CardCensus.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <map>
 #include <utility>
@@ -13,10 +14,16 @@
 namespace dcfctl {
 namespace {
 
+CensusEntry Looked(const std::string& path, const std::string& name) {
+    CensusEntry entry = {name, LookAt(path + "/" + name)};
+    entry.error = entry.state.has_value() ? 0 : errno;
+    return entry;
+}
+
 void LookAtAll(const std::string& path, std::vector<CensusEntry>& entries, std::size_t& done, std::size_t all,
                Progress& progress) {
     for (CensusEntry& entry : entries) {
-        entry.state = LookAt(path + "/" + entry.name);
+        entry = Looked(path, entry.name);
         progress.Show(++done, all);
     }
 }
@@ -25,7 +32,7 @@ std::vector<CensusEntry> EntriesOf(const FolderContents& contents) {
     std::vector<CensusEntry> entries;
     entries.reserve(contents.Names().size());
     for (const std::string& name : contents.Names()) {
-        entries.push_back({name, std::nullopt});
+        entries.push_back({name, std::nullopt, 0});
     }
     return entries;
 }
@@ -60,17 +67,15 @@ CensusReport TakeCensus(const std::string& dcim, const CardOptions& card, Output
         const FolderContents contents(dcim + "/" + folder.name, folder.name == kCamera);
         taken[folder.name] = contents.Error();
         if (contents.Error() == 0) {
-            census.folders.push_back({{folder.name, LookAt(dcim + "/" + folder.name)},
-                                      folder.number,
-                                      folder.name == kCamera,
-                                      EntriesOf(contents)});
+            census.folders.push_back(
+                {Looked(dcim, folder.name), folder.number, folder.name == kCamera, EntriesOf(contents)});
         }
     }
     for (const std::string& name : top.Names()) {
         const auto found = taken.find(name);
         if (found == taken.end() || found->second != 0) {
             census.loose.push_back(
-                {{name, LookAt(dcim + "/" + name)}, found != taken.end(), found != taken.end() ? found->second : 0});
+                {Looked(dcim, name), found != taken.end(), found != taken.end() ? found->second : 0});
         }
     }
     std::sort(census.loose.begin(), census.loose.end(),

@@ -18,7 +18,8 @@ namespace dcfctl {
 
 struct CensusEntry {
     std::string name;
-    std::optional<EntryState> state; ///< Nothing when it could not be looked at.
+    std::optional<EntryState> state; ///< Nothing when it could not be looked at ...
+    int error = 0;                   ///< ... because of this errno; 0 for an entry that is only supposed.
 
     [[nodiscard]] bool IsFolder() const {
         return state.has_value() && state->IsFolder();

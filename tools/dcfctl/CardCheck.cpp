@@ -138,11 +138,11 @@ std::string CardCheck::PathOf(const CensusEntry& entry) const {
 
 std::size_t CardCheck::Suppose(std::optional<std::size_t> folder, const std::string& name) {
     if (!folder.has_value()) {
-        m_census.loose.push_back({{name, std::nullopt}, false, 0});
+        m_census.loose.push_back({{name, std::nullopt, 0}, false, 0});
         return m_census.loose.size() - 1;
     }
     std::vector<CensusEntry>& entries = m_census.folders[*folder].entries;
-    entries.push_back({name, std::nullopt});
+    entries.push_back({name, std::nullopt, 0});
     Walk();
     return entries.size() - 1;
 }

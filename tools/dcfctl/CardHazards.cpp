@@ -67,6 +67,9 @@ std::string ThenText(const CardCheck& check, const RenumberPlan& plan) {
     if (check.Listing()->Count() + kFewNumbers > kMaxFiles) {
         return "the list takes " + std::to_string(kMaxFiles) + " files, and a renumbering makes no room for more";
     }
+    if (FirstIndexOf(check) / kIndexPerDirectory == kLastFolder - 1) {
+        return "then numbers go on in the last folder, 999, though a camera may count the card as full by then";
+    }
     const std::size_t folders = plan.rows.size();
     return "then no file can be added until the folders are renumbered, which would " +
            (plan.IsComplete() ? "give " + CountText(folders, "folder", "folders") + " the numbers from 100 to " +
@@ -154,13 +157,13 @@ std::optional<int> NumbersLeft(const CardCheck& check) {
     }
     const int newest = FirstIndexOf(check);
     if (newest / kIndexPerDirectory < kLastFolder || listing->Count() == 0) {
-        return listing->List().GetAvailNumOfPhoto();
+        return std::max(listing->List().GetAvailNumOfPhoto(), 0);
     }
     // In the last folder the library also reads the folder's name out of a path, at the place where a camera's cards
     // have it. Elsewhere that would be other letters, so the same is told here by the name itself.
     const std::string& highest = listing->Inspected().folders.front().name;
     const bool fits = highest.substr(3) == kNewFolderSuffix;
-    return fits ? std::min(kLastFile - newest % kIndexPerDirectory, kMaxFiles - listing->Count()) : 0;
+    return fits ? std::max(std::min(kLastFile - newest % kIndexPerDirectory, kMaxFiles - listing->Count()), 0) : 0;
 }
 
 RenumberPlan PlanRenumberingOf(const CardCheck& check) {

@@ -55,7 +55,7 @@ void AddTo(Json& json, const CheckResult& result) {
                        {"listed", figures.listed},    {"companions", figures.companions},
                        {"left_out", figures.leftOut}, {"hazards", figures.hazards},
                        {"notes", figures.notes},      {"numbers_left", OptionalJson(figures.numbersLeft)}};
-    json["listed"] = !result.refusal.has_value();
+    json["has_list"] = !result.refusal.has_value();
     json["refusal"] = result.refusal.has_value() ? Json(Utf8Replaced(result.refusal->text)) : Json();
     json["renumbering"] = {{"complete", result.renumbering.IsComplete()}, {"renames", RenamesJson(result.renumbering)}};
     Json& counts = json["counts"] = Json::object();

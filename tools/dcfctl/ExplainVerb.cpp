@@ -81,8 +81,14 @@ public:
     /// @return the entries that are meant, or none.
     Spots Find(const std::string& what) {
         if (what.find('/') == std::string::npos) {
-            Spots spots = FindName(what);
-            return spots.empty() ? SupposeName(what) : spots;
+            for (const bool anyCase : {false, true}) {
+                m_anyCase = anyCase;
+                Spots spots = FindName(what);
+                if (!spots.empty()) {
+                    return spots;
+                }
+            }
+            return SupposeName(what);
         }
         std::vector<std::string> forms = {what};
         if (what.front() != '/') {
@@ -113,11 +119,11 @@ private:
         return m_check.Entries();
     }
 
-    /// Exactly so, or else in any case.
+    /// Exactly so, or else in any case where that is allowed.
     template <typename List, typename NameOf>
-    static std::optional<std::size_t> IndexOf(const List& list, const std::string& name, NameOf nameOf) {
+    std::optional<std::size_t> IndexOf(const List& list, const std::string& name, NameOf nameOf) const {
         auto found = std::find_if(list.begin(), list.end(), [&](const auto& item) { return nameOf(item) == name; });
-        if (found == list.end()) {
+        if (found == list.end() && m_anyCase) {
             found = std::find_if(list.begin(), list.end(),
                                  [&](const auto& item) { return EqualNoCase(nameOf(item), name); });
         }
@@ -194,6 +200,7 @@ private:
     }
 
     CardCheck& m_check;
+    bool m_anyCase = true;
 };
 
 // ---- What there is to say ----
@@ -206,22 +213,38 @@ std::size_t FirstPosition(const CardCheck& check, std::size_t folder) {
     return position;
 }
 
-/// A folder that is not there, with a name that the list would take.
-bool WouldBeListed(const CardCheck& check, const std::string& name) {
+/// A folder that is not there: what the list would do with its name.
+void SupposeFolder(const CardCheck& check, const LooseEntry& loose, ExplainedEntry& entry) {
+    const std::string& name = loose.self.name;
     Names names = NamesInDcim(check.Dcim());
     names.push_back(name);
     std::vector<CardFolder> folders;
-    (void)ChooseFolders(names, check.Dcim(), check.Card().camera, folders); // shared numbers are not asked for
-    return std::any_of(folders.begin(), folders.end(), [&](const CardFolder& folder) { return folder.name == name; });
+    const SharedNumbers shared = ChooseFolders(names, check.Dcim(), check.Card().camera, folders);
+    const bool listed =
+        std::any_of(folders.begin(), folders.end(), [&](const CardFolder& folder) { return folder.name == name; });
+    if (!listed) {
+        entry.findings.push_back(WhyLeftOut(check, loose));
+        return;
+    }
+    entry.place = Place::kFolder;
+    entry.number = FolderNumber(name);
+    const auto found = shared.find(*entry.number);
+    if (found != shared.end()) {
+        const Names& sharers = found->second.listed.size() > 1 ? found->second.listed : found->second.leftOut;
+        const std::string& other = sharers[sharers.front() == name ? 1 : 0];
+        entry.findings.push_back(
+            {CheckCode::kFolderNumberShared, entry.path,
+             "it would share the number " + std::to_string(*entry.number) + " with " + Quoted(other),
+             check.Dcim() + "/" + other});
+    }
 }
 
 ExplainedEntry ExplainLoose(const CardCheck& check, const Spot& spot) {
     const LooseEntry& loose = check.Entries().loose[*spot.entry];
     ExplainedEntry entry;
     entry.path = check.PathOf(loose.self);
-    if (!spot.onCard && WouldBeListed(check, loose.self.name)) {
-        entry.place = Place::kFolder;
-        entry.number = FolderNumber(loose.self.name);
+    if (!spot.onCard) {
+        SupposeFolder(check, loose, entry);
     } else {
         entry.findings.push_back(WhyLeftOut(check, loose));
     }

@@ -189,7 +189,11 @@ private:
         const CensusEntry& entry = m_folder->entries[index];
         m_progress.Show(++m_done, m_all);
         if (!entry.state.has_value()) {
-            return; // it was supposed, or has gone in the meantime
+            if (entry.error != 0) { // else it is only supposed
+                Add(CheckCode::kFileUnreadable, index,
+                    "it cannot be looked at (" + std::string(std::strerror(entry.error)) + ")");
+            }
+            return;
         }
         if (entry.name != listed) {
             const auto reached = LookAt(PathTo(m_check, m_folder->self.name) + "/" + listed);

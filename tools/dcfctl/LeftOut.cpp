@@ -65,17 +65,24 @@ std::string ContentText(const std::string& path) {
     }
     const auto pictures = std::count_if(names.begin(), names.end(), LooksLikePicture);
     return "; with it " + CountText(names.size(), "entry is", "entries are") + " left out" +
-           (pictures > 0 ? ", " + std::to_string(pictures) + " of which " + (pictures == 1 ? "looks" : "look") +
-                               " like pictures or movies"
+           (pictures > 0 ? ", " + std::to_string(pictures) + " of which " +
+                               (pictures == 1 ? "looks like a picture or movie" : "look like pictures or movies")
                          : "");
 }
 
 Cause NumberTaken(const CardCheck& check, const std::string& name, int number) {
     const auto shared = check.Entries().shared.find(number);
-    if (shared == check.Entries().shared.end() || shared->second.listed.empty()) {
-        return {CheckCode::kFolderNumberTaken, "another folder has its number", ""};
+    std::string holder;
+    if (shared != check.Entries().shared.end() && !shared->second.listed.empty()) {
+        holder = shared->second.listed.back();
+    } else { // the name is only supposed
+        const auto found = std::find_if(check.Entries().folders.begin(), check.Entries().folders.end(),
+                                        [&](const CensusFolder& folder) { return folder.number == number; });
+        if (found == check.Entries().folders.end()) {
+            return {CheckCode::kFolderNumberTaken, "another folder has its number", ""};
+        }
+        holder = found->self.name;
     }
-    const std::string& holder = shared->second.listed.back();
     const bool byRoot = !HoldsPhoto(holder);
     return {CheckCode::kFolderNumberTaken,
             Quoted(holder) + " has the number " + std::to_string(number) + " too and is listed instead of " +
