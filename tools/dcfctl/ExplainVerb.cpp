@@ -80,6 +80,9 @@ public:
 
     /// @return the entries that are meant, or none.
     Spots Find(const std::string& what) {
+        if (what.empty() || what == "." || what == "..") {
+            return {};
+        }
         if (what.find('/') == std::string::npos) {
             for (const bool anyCase : {false, true}) {
                 m_anyCase = anyCase;
@@ -173,6 +176,9 @@ private:
     }
 
     std::optional<Spot> SupposeParts(const Parts& parts) {
+        if (parts[0] == kDcim) {
+            return std::nullopt; // it is "DCIM" itself that was meant
+        }
         if (parts.size() == 1) {
             return Spot{std::nullopt, m_check.Suppose(std::nullopt, parts[0]), false};
         }
@@ -185,6 +191,9 @@ private:
 
     /// A name alone is supposed where it belongs by its looks.
     Spots SupposeName(const std::string& name) {
+        if (name == kDcim) {
+            return {};
+        }
         const bool file = name.find('.') != std::string::npos;
         const auto wanted =
             std::find_if(Entries().folders.begin(), Entries().folders.end(),
@@ -355,7 +364,7 @@ Report<ExplainResult> Explain(const CardOptions& card, const std::string& what, 
     if (error.has_value()) {
         return Failed<ExplainResult>(*error);
     }
-    const Spots spots = what.empty() ? Spots() : Finder(check).Find(what);
+    const Spots spots = Finder(check).Find(what);
     if (spots.empty()) {
         return Failed<ExplainResult>(Unknown(card, what));
     }

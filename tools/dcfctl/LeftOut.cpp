@@ -218,6 +218,12 @@ Cause ZeroCause(const CensusFolder& folder, const std::string& name) {
 }
 
 Cause SecondCause(const CensusFolder& folder, const std::string& name, const std::string& winner) {
+    if (UpperCased(name) == winner) {
+        return {CheckCode::kSecondOfNumber,
+                "the list has names in capitals, and in capitals this is " + Quoted(winner) +
+                    ", which is listed instead",
+                ""};
+    }
     if (folder.camera) {
         const bool odd = CameraNumber(name).find_first_not_of("0123456789") != std::string::npos;
         return {odd ? CheckCode::kCameraDigits : CheckCode::kSecondOfNumber,

@@ -91,6 +91,36 @@ void Scan(const std::vector<Candidate>& candidates, const CensusFolder& folder, 
     }
 }
 
+void Remove(std::vector<std::size_t>& entries, std::size_t entry) {
+    entries.erase(std::remove(entries.begin(), entries.end(), entry), entries.end());
+}
+
+/// In "Camera" the name of the list can be that of another entry, which was passed over before, where the two differ by
+/// their case alone. The list's path leads to that one, so it is the one that is listed.
+void SettleSpellings(const CensusFolder& folder, WalkedFolder& walk) {
+    std::map<std::string, std::size_t> passedOver;
+    for (std::size_t i = 0; i < folder.entries.size(); ++i) {
+        if (walk.fates[i].fate == Fate::kFollower || walk.fates[i].fate == Fate::kSecond) {
+            passedOver[folder.entries[i].name] = i;
+        }
+    }
+    for (std::size_t index = 0; index < walk.files.size(); ++index) {
+        WalkedFile& file = walk.files[index];
+        const auto found = passedOver.find(file.listed.name);
+        if (found == passedOver.end() || folder.entries[file.entry].name == file.listed.name) {
+            continue;
+        }
+        WalkedFile& before = walk.files[walk.fates[found->second].file];
+        Remove(before.followers, found->second);
+        Remove(before.rivals, found->second);
+        walk.fates[file.entry] = {Fate::kSecond, index};
+        walk.fates[found->second] = {Fate::kListed, index};
+        file.rivals.push_back(file.entry);
+        file.entry = found->second;
+        passedOver.erase(found);
+    }
+}
+
 /// Finds the entries to which the companions' names lead. In "Camera" that can be one of any name.
 void FindCompanions(const CensusFolder& folder, WalkedFolder& walk) {
     std::map<std::string, std::vector<std::size_t>> byName;
@@ -98,6 +128,9 @@ void FindCompanions(const CensusFolder& folder, WalkedFolder& walk) {
         if (!file.listed.companion.empty()) {
             byName[file.listed.companion];
         }
+    }
+    for (const WalkedFile& file : walk.files) {
+        byName.erase(file.listed.name); // such a name leads to the file, not to a companion
     }
     for (std::size_t i = 0; !byName.empty() && i < folder.entries.size(); ++i) {
         const auto found = byName.find(UpperCased(folder.entries[i].name));
@@ -125,6 +158,7 @@ WalkedFolder WalkFolder(const CensusFolder& folder, std::size_t base, const std:
     WalkedFolder walk;
     walk.fates.resize(folder.entries.size());
     Scan(candidates, folder, base, walk);
+    SettleSpellings(folder, walk);
     FindCompanions(folder, walk);
     return walk;
 }

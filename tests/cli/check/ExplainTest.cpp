@@ -137,9 +137,10 @@ TEST(Explain, TellsWhatWouldBecomeOfAFolderThatIsNotThere) {
 
 TEST(Explain, RefusesWhatHasNoPlaceOnTheCard) {
     ExplainCard card;
-    for (const char* what : {"/etc/passwd", "555PHOTO/KVR_0001.JPG", "", "DCIM", "..", "100PHOTO/a/b"}) {
+    for (const char* what : {"/etc/passwd", "555PHOTO/KVR_0001.JPG", "", "DCIM", "DCIM/", ".", "..", "100PHOTO/a/b"}) {
         const Json json = card.Explain(what);
-        EXPECT_EQ("unknown-path", json["error"].value("cause", "")) << what << json;
+        ASSERT_FALSE(json["error"].is_null()) << what << json;
+        EXPECT_EQ("unknown-path", json["error"]["cause"]) << what;
     }
 }
 
@@ -157,7 +158,7 @@ TEST(Explain, TellsOfTheCardWhereItCannotBeListed) {
 TEST(Explain, LeavesCameraOutWhenAsked) {
     ExplainCard card;
     const Json json = card.Explain("Camera", {"--no-camera"});
-    EXPECT_EQ((Words{"camera-not-asked"}), Codes(json));
+    EXPECT_EQ((Words{"camera-not-asked", "renumber-incomplete"}), Codes(json));
     EXPECT_EQ(Json::array(), json["warnings"]); // it was asked for
 }
 

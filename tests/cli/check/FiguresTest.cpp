@@ -39,6 +39,23 @@ TEST(Figures, CloseWhereACompanionIsItsOwnFile) {
     EXPECT_EQ("2 1 0 1", clitest::Figures(card.Check()));
 }
 
+TEST(Figures, CloseWhereACompanionsNameInCapitalsIsThatOfItsFile) {
+    CheckedCard card;
+    card.Put("100PHOTO", {"KVR_0001.MPO", "kvr_0001.MPO"});
+    EXPECT_EQ("2 1 0 1", clitest::Figures(card.Check()));
+}
+
+TEST(Figures, CountTheEntryToWhichTheListsPathLeads) {
+    CheckedCard card; // the one in small letters is read last, and gets the name of the one that was passed over
+    card.Put("Camera", {"IMG-20240123456.JPG", "IMG-20240123456.SRW", "IMG-20240123457.JPG", "img-20240123456.srw"});
+    const Json json = card.Check();
+    EXPECT_EQ("4 3 0 1", clitest::Figures(json));
+    EXPECT_EQ((Words{"Camera/img-20240123456.srw: the list has names in capitals, and in capitals this is "
+                     "'IMG-20240123456.SRW', which is listed instead"}),
+              clitest::Of(json, "second-of-number"));
+    EXPECT_EQ(Words{}, clitest::Of(json, "camera-companion"));
+}
+
 TEST(Figures, CloseWhereACompanionsNameLeadsToAnotherKindOfName) {
     CheckedCard card; // in "Camera" the name made for a companion can be one that the list does not take
     card.Put("Camera", {"20240501_123456.JPG", "20240501_123456.SRW", "20240501_SRW"});
