@@ -16,7 +16,7 @@ using dcftest::Card;
 namespace {
 
 constexpr char kVerbs[] = "use one of ls, count, show, shell, sample, rm, protect, unprotect, toggle, latest-name, "
-                          "capacity, next-name, add, renumber, series, sheet";
+                          "capacity, next-name, add, renumber, series, check, explain, sheet";
 
 TEST(CommandLine, ThatIsNotUnderstoodGivesOneLineAndChangesNothing) {
     Card card;

@@ -7,6 +7,8 @@
 #include <string_view>
 
 #include "AddVerb.h"
+#include "CheckVerb.h"
+#include "ExplainVerb.h"
 #include "Findings.h"
 #include "ListVerbs.h"
 #include "NameVerbs.h"
@@ -69,6 +71,8 @@ protected:
     virtual void Put(const Report<AddResult>& report) = 0;
     virtual void Put(const Report<RenumberResult>& report) = 0;
     virtual void Put(const Report<SeriesResult>& report) = 0;
+    virtual void Put(const Report<CheckResult>& report) = 0;
+    virtual void Put(const Report<ExplainResult>& report) = 0;
     virtual void Put(const Report<SheetResult>& report) = 0;
     virtual void Put(const ShellReply& reply) = 0;
 

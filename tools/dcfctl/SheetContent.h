@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "CheckVerb.h"
 #include "Findings.h"
 #include "ListVerbs.h"
 
@@ -32,6 +33,7 @@ struct SheetContent {
     std::vector<FileEntry> files; ///< In list order.
     std::vector<SheetFolder> folders;
     std::vector<Finding> warnings;
+    CheckResult check;
 };
 
 /// What there is to show of a file.

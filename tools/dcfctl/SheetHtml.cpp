@@ -8,6 +8,7 @@
 #include "Html.h"
 #include "NumberMap.h"
 #include "Phrases.h"
+#include "SheetCheckHtml.h"
 #include "SheetStyle.h"
 #include "Text.h"
 
@@ -251,7 +252,7 @@ void WriteNavigation(Output& out, const SheetContent& sheet) {
     for (std::size_t i = 0; i < sheet.folders.size(); ++i) {
         out.Write("<li>" + FolderLink(i, sheet.folders[i]) + "</li>");
     }
-    out.Write("<li><a href=\"#numbers\">Numbers</a></li></ul>");
+    out.Write("<li><a href=\"#numbers\">Numbers</a></li><li><a href=\"#check\">Check</a></li></ul>");
     out.Write(many ? "</details></nav>\n" : "</nav>\n");
 }
 
@@ -302,6 +303,7 @@ void WriteSheet(Output& out, const SheetContent& sheet, const Illustrate& illust
         out.Write("<p>There are no files in the list.</p>\n");
     }
     WriteNumbers(out, sheet);
+    WriteCheck(out, sheet.check);
     out.Write("</main>\n<footer><p class=\"dim\">Made by dcfctl. Thumbnails and figures are as the card was when this "
               "sheet was made.</p></footer>\n</body>\n</html>\n");
 }

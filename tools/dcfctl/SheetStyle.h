@@ -51,6 +51,11 @@ svg.map{display:block;width:100%;height:.9rem;background:var(--free);border:1px 
 svg.map path{fill:var(--used);stroke:var(--used);stroke-width:2px;vector-effect:non-scaling-stroke}
 .ends{display:flex;justify-content:space-between;color:var(--dim);font-size:.7rem;font-variant-numeric:tabular-nums}
 .runs{color:var(--dim);font-size:.85rem;font-variant-numeric:tabular-nums;margin:0}
+#check{overflow-wrap:break-word}
+.findings{list-style:none;margin:.8rem 0;padding:0;display:grid;gap:.9rem}
+.finding{max-width:50rem}
+.finding p{color:var(--dim);font-size:.9rem}
+.finding ul{margin:.2rem 0;padding-left:1.1rem;font-size:.9rem}
 footer{margin-top:2rem}
 .defs{position:absolute;width:0;height:0}
 @media print{
@@ -64,7 +69,7 @@ h2,h3,section p.dim{break-after:avoid}
 .name,.date{font-size:6.5pt}
 .maps{grid-template-columns:1fr 1fr;gap:4mm 8mm}
 .grid{grid-template-columns:repeat(5,1fr);gap:3mm}
-.grid li,.maps li{break-inside:avoid;content-visibility:visible}
+.grid li,.maps li,.finding li{break-inside:avoid;content-visibility:visible}
 .badge,.row li{border:1px solid #999}
 .pic,svg.map,svg.map path{print-color-adjust:exact;-webkit-print-color-adjust:exact}
 }

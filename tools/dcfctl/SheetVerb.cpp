@@ -12,10 +12,12 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "CardFiles.h"
 #include "CardListing.h"
+#include "CheckVerb.h"
 #include "FileCopy.h"
 #include "Phrases.h"
 #include "PictureFile.h"
@@ -252,11 +254,16 @@ Report<SheetResult> MakeSheet(const CardOptions& card, const SheetOptions& optio
             return Failed<SheetResult>(*finding);
         }
     }
+    SheetContent content;
+    Report<CheckResult> check = Check(card, err); // lists by itself, and there is one list at a time
+    if (!check.value.has_value()) {
+        return Failed<SheetResult>(*check.error);
+    }
+    content.check = std::move(*check.value);
     CardListing listing(card);
     if (listing.Refusal().has_value()) {
         return Failed<SheetResult>(*listing.Refusal());
     }
-    SheetContent content;
     content.root = card.root;
     content.name = SplitPath(RealPath(card.root + "/")).file;
     content.name = content.name.empty() ? "/" : content.name;
@@ -266,6 +273,9 @@ Report<SheetResult> MakeSheet(const CardOptions& card, const SheetOptions& optio
     }
     listing.AddDetails(content.files);
     content.warnings = listing.Warnings();
+    if (check.error.has_value()) { // its figures do not close
+        content.warnings.push_back(*check.error);
+    }
     content.folders = FoldersOf(listing.Inspected().folders, content.files);
 
     SheetResult result;

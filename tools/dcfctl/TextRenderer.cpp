@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "ChangeText.h"
+#include "CheckText.h"
 #include "DcfNames.h"
 #include "Phrases.h"
 #include "Renderer.h"
@@ -116,10 +117,24 @@ protected:
     void Put(const Report<SeriesResult>& report) override {
         PutChange(report);
     }
+    void Put(const Report<CheckResult>& report) override {
+        PutCheck(report);
+    }
+    void Put(const Report<ExplainResult>& report) override {
+        PutCheck(report);
+    }
     void Put(const Report<SheetResult>& report) override;
     void Put(const ShellReply& reply) override;
 
 private:
+    template <typename Value>
+    void PutCheck(const Report<Value>& report) {
+        if (report.value.has_value()) {
+            const CheckText text([this](std::string_view name) { return Name(name); },
+                                 [this](std::string_view escaped) { return Shown(escaped); });
+            Out().Write(text.Of(*report.value));
+        }
+    }
     template <typename Value>
     void PutChange(const Report<Value>& report) {
         if (report.value.has_value()) {
@@ -132,6 +147,7 @@ private:
     void PutTable(const ListResult& list);
     void PutPaths(const ListResult& list);
     [[nodiscard]] std::string Name(std::string_view bytes);
+    [[nodiscard]] std::string Shown(std::string_view escaped);
     [[nodiscard]] std::string ItemFields(const ShownItem& shown);
     [[nodiscard]] std::string MetadataFields(const CSFileListItem& item);
 
@@ -139,8 +155,11 @@ private:
 };
 
 std::string TextRenderer::Name(std::string_view bytes) {
-    const std::string text = Escaped(bytes);
-    return Out().IsAsciiTerminal() ? AsciiOnly(text) : text;
+    return Shown(Escaped(bytes));
+}
+
+std::string TextRenderer::Shown(std::string_view escaped) {
+    return Out().IsAsciiTerminal() ? AsciiOnly(escaped) : std::string(escaped);
 }
 
 void TextRenderer::Put(const Report<ListResult>& report) {

@@ -12,6 +12,7 @@
 
 #include "CardInspector.h"
 #include "ChangeCommands.h"
+#include "CheckCommands.h"
 #include "DcfNames.h"
 #include "ExitCodes.h"
 #include "ListVerbs.h"
@@ -41,6 +42,7 @@ struct Request {
     bool paths = false;
     bool nul = false;
     ChangeRequest change;
+    CheckRequest check;
     SheetOptions sheet;
 };
 
@@ -117,6 +119,7 @@ void Describe(CLI::App& app, Request& request) {
     app.get_formatter()->label("SUBCOMMAND", "VERB");
     AddVerbs(app, request);
     AddChangeVerbs(app, request.change, request.json, request.noCamera);
+    AddCheckVerbs(app, request.check, request.json, request.noCamera);
     AddSheetVerb(app, request.sheet, request.json, request.noCamera);
     app.footer(ExitCodeHelp());
 }
@@ -134,6 +137,9 @@ Format FormatOf(const Request& request) {
 ExitCode RunVerb(const CLI::App& app, Request& request, Renderer& renderer, Output& out, Output& err) {
     const CardOptions card = {NormalisedRoot(request.card), !request.noCamera};
     if (const auto code = RunChangeVerb(app, request.change, card, renderer, err)) {
+        return *code;
+    }
+    if (const auto code = RunCheckVerb(app, request.check, card, renderer, err)) {
         return *code;
     }
     if (app.got_subcommand("sheet")) {

@@ -79,6 +79,14 @@ TEST(HostileNames, OfTheCardAreTextInTheTitle) {
     EXPECT_EQ(page.One("//h:h1"), page.One("//h:title"));
 }
 
+TEST(HostileNames, OfWhatIsNotListedAreText) {
+    Card card;
+    card.AddFile("100PHOTO", "<script>\"'&\xff\n").AddFile("100PHOTO", "KVR_0001.JPG");
+    const SheetPage page(HarmlessSheet(card.Root()));
+    const std::string shown = page.One("//h:li[@class='finding name-length']/h:ul/h:li");
+    EXPECT_EQ(shown.rfind("DCIM/100PHOTO/<script>\"'&\\xff\\n: ", 0), 0U) << shown;
+}
+
 TEST(HostileMetadata, IsText) {
     if (!clitest::kReadsThumbnails) {
         GTEST_SKIP() << "this build reads no metadata";

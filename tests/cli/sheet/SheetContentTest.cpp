@@ -137,6 +137,38 @@ TEST_F(SampleSheet, HoldsAThumbnailOfEachPictureAndNoneOfMovies) {
     }
 }
 
+TEST_F(SampleSheet, GivesTheFiguresOfACheckWhichClose) {
+    const SheetPage page = SheetOf(m_card.Root());
+    const Json check = Json::parse(OnCard(m_card.Root(), {"check", "--json"}).out);
+    const Json& figures = check["figures"];
+    EXPECT_EQ(page.One("//h:section[@id='check']/h:p[@class='sum']"),
+              figures["entries"].dump() + " entries = " + figures["listed"].dump() + " listed + " +
+                  figures["companions"].dump() + " companions + " + figures["left_out"].dump() + " left out");
+    EXPECT_EQ(figures["listed"], m_list["files"].size());
+    EXPECT_EQ(page.All("//h:ul[contains(@class,'figures')]/h:li"),
+              (Words{figures["left_out"].dump() + " left out", figures["hazards"].dump() + " hazards",
+                     figures["notes"].dump() + " notes", figures["numbers_left"].dump() + " numbers left"}));
+    EXPECT_EQ(page.Count("//h:li[@class='finding protected-file']/h:ul/h:li"), 3U);
+}
+
+TEST(Sheet, TellsWhatTheListLeavesOutAndWhy) {
+    Card card;
+    card.AddFile("100PHOTO", "KVR_0001.JPG");
+    for (int i = 0; i < 14; ++i) {
+        card.AddFile("100PHOTO", "note" + std::to_string(100 + i) + ".TXT");
+    }
+    const Outcome run = OnCard(card.Root(), {"sheet", "--out", "-"});
+    EXPECT_EQ(run.exit, clitest::kSuccess) << "findings are what a sheet is to show: " << run.Describe();
+    const SheetPage page(run.out);
+    EXPECT_EQ(page.One("//h:p[@class='sum']"), "15 entries = 1 listed + 0 companions + 14 left out");
+    const std::string finding = "//h:li[@class='finding name-length']";
+    EXPECT_EQ(page.Count(finding + "/h:h3[contains(., 'left-out, 14')]"), 1U) << run.out;
+    const Words shown = page.All(finding + "/h:ul/h:li");
+    ASSERT_EQ(shown.size(), 11U);
+    EXPECT_EQ(shown[0].rfind("DCIM/100PHOTO/note1", 0), 0U) << shown[0];
+    EXPECT_EQ(shown[10], "and 4 more, which dcfctl check --all shows");
+}
+
 TEST_F(SampleSheet, NeedsNoNetworkAndNoScript) {
     const std::string html = OnCard(m_card.Root(), {"sheet", "--out", "-"}).out;
     const SheetPage page(html);
