@@ -39,8 +39,8 @@ void WriteKind(Output& out, const CheckFinding* first, const CheckFinding* last,
     const CheckCodeRow& row = first->Row();
     const auto count = static_cast<std::size_t>(last - first);
     out.Write(std::string("<li class=\"finding ") + row.name + "\"><h3>" + HtmlText(row.title) +
-              " <span class=\"dim\">" + SeverityName(row.severity) + ", " + std::to_string(count) + "</span></h3><p>" +
-              HtmlText(row.cure) + "</p><ul>\n");
+              " <span class=\"dim\">" + SeverityName(row.severity) + ", " + std::to_string(count) +
+              "</span></h3><p>To do: " + HtmlText(row.cure) + "</p><ul>\n");
     for (std::size_t i = 0; i < count && i < kShown; ++i) {
         out.Write("<li>" + HtmlName(FromCard(first[i].path, root)) + ": " + HtmlText(first[i].text) + "</li>\n");
     }
