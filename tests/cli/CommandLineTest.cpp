@@ -17,7 +17,7 @@ namespace {
 
 constexpr char kVerbs[] =
     "use one of ls, count, show, shell, sample, browse, rm, protect, unprotect, toggle, latest-name, "
-    "capacity, next-name, add, renumber, series";
+    "capacity, next-name, add, renumber, series, check, explain, sheet";
 
 TEST(CommandLine, ThatIsNotUnderstoodGivesOneLineAndChangesNothing) {
     Card card;
@@ -148,12 +148,12 @@ TEST(ExitCodes, StandInTheDocumentForProgramsAsInTheHelp) {
 
 TEST(ManPage, NamesEveryVerbAndOption) {
     const std::string page = ManPage();
-    for (const char* verb : {"ls", "count", "show", "browse", "shell", "sample"}) {
+    for (const char* verb : {"ls", "count", "show", "browse", "shell", "sample", "sheet"}) {
         EXPECT_NE(page.find(std::string(".Ss ") + verb + "\n"), std::string::npos) << verb;
         EXPECT_NE(page.find(std::string(".Cm ") + verb + "\n"), std::string::npos) << verb;
     }
-    for (const char* option :
-         {"card", "help", "version", "type", "dir", "limit", "no-camera", "json", "paths", "null"}) {
+    for (const char* option : {"card", "help", "version", "type", "dir", "limit", "no-camera", "json", "paths", "null",
+                               "out", "thumbnails", "force"}) {
         EXPECT_NE(page.find(std::string("Fl -") + option), std::string::npos) << option;
     }
     for (const char* variable : {"DCF_CARD", "DCF_LOG", "DCF_PREFERENCES", "NO_COLOR"}) {

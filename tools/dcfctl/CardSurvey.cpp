@@ -65,10 +65,17 @@ bool HoldsPhoto(const std::string& text) {
     return text.find("PHOTO") != std::string::npos;
 }
 
-/// Decides as the library's registry does: a folder whose path holds "PHOTO" keeps later ones of its number out.
 SharedNumbers ListFolders(const std::string& dcim, bool camera, std::vector<CardFolder>& folders) {
+    return ChooseFolders(NamesInDcim(dcim), dcim, camera, folders);
+}
+
+/// Decides as the library's registry does: a folder whose path holds "PHOTO" keeps later ones of its number out.
+SharedNumbers ChooseFolders(Names names, const std::string& dcim, bool camera, std::vector<CardFolder>& folders) {
+    std::sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
+        return (a == kCamera) != (b == kCamera) ? b == kCamera : b < a;
+    });
     SharedNumbers numbers;
-    for (const std::string& name : NamesInDcim(dcim)) {
+    for (const std::string& name : names) {
         const auto number = FolderNumber(name);
         if (!number.has_value() || (*number == kCameraNumber && !camera)) {
             continue;

@@ -29,6 +29,9 @@ using SharedNumbers = std::map<int, SharedNumber>;
 /// The folders that a listing takes, in its order. @return the numbers that more than one folder has.
 SharedNumbers ListFolders(const std::string& dcim, bool camera, std::vector<CardFolder>& folders);
 
+/// The same for names that are known, in any order.
+SharedNumbers ChooseFolders(Names names, const std::string& dcim, bool camera, std::vector<CardFolder>& folders);
+
 /// @return the file names of the length that counts, in the order of the list; none, with errno in error, for a folder
 ///         that cannot be read.
 [[nodiscard]] Names FileNames(const std::string& path, bool camera, int& error);

@@ -105,11 +105,9 @@ void AddTo(Json& json, const AddResult& result) {
     json["series_before"] = SeriesValueJson(result.storedBefore);
 }
 
-void AddTo(Json& json, const RenumberResult& result) {
-    json["dry_run"] = result.dryRun;
-    json["complete"] = result.complete;
-    Json& renames = json["renames"] = Json::array();
-    for (const Renaming& row : result.plan.rows) {
+Json RenamesJson(const RenumberPlan& plan) {
+    Json renames = Json::array();
+    for (const Renaming& row : plan.rows) {
         Json& entry = renames.emplace_back(Json::object());
         AddPath(entry, "from", row.from);
         AddPath(entry, "to", row.to);
@@ -117,6 +115,13 @@ void AddTo(Json& json, const RenumberResult& result) {
         entry["listed"] = row.listed;
         entry["camera"] = row.camera;
     }
+    return renames;
+}
+
+void AddTo(Json& json, const RenumberResult& result) {
+    json["dry_run"] = result.dryRun;
+    json["complete"] = result.complete;
+    json["renames"] = RenamesJson(result.plan);
     json["left_behind"] = PathsJson(result.left);
     json["series_value"] = result.stored;
     json["series_before"] = SeriesValueJson(result.storedBefore);

@@ -22,6 +22,8 @@ void AddTo(Json& json, const AddResult& result);
 void AddTo(Json& json, const RenumberResult& result);
 void AddTo(Json& json, const SeriesResult& result);
 
+[[nodiscard]] Json RenamesJson(const RenumberPlan& plan);
+
 } // namespace dcfctl
 
 #endif

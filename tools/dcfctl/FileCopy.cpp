@@ -13,6 +13,7 @@
 #include <memory>
 #include <random>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "Text.h"
@@ -93,6 +94,10 @@ StagedFile::StagedFile(const std::string& source, const struct stat& expected, c
         Discard();
         throw;
     }
+}
+
+StagedFile::StagedFile(std::string folder) : m_folder(std::move(folder)) {
+    Create(m_folder);
 }
 
 StagedFile::~StagedFile() {
@@ -210,8 +215,12 @@ void StagedFile::Rename(const std::string& path) const {
     }
 }
 
-void StagedFile::PutInPlace(const std::string& path) {
-    Rename(path);
+void StagedFile::PutInPlace(const std::string& path, bool replace) {
+    if (!replace) {
+        Rename(path);
+    } else if (rename(m_temporary.c_str(), path.c_str()) != 0) {
+        Fail("it cannot be given its name");
+    }
     m_temporary.clear();
     m_placed = path;
     SyncFolder(m_folder);

@@ -26,13 +26,20 @@ public:
     /// Copies a file, its modification time included, into a folder under a temporary name.
     /// @param expected what the source looked like when it was accepted.
     StagedFile(const std::string& source, const struct stat& expected, const std::string& folder, const Piece& piece);
+    /// An empty file in a folder under a temporary name, to be written through Fd().
+    explicit StagedFile(std::string folder);
     StagedFile(const StagedFile&) = delete;
     StagedFile& operator=(const StagedFile&) = delete;
     /// Removes what was not put in place.
     ~StagedFile();
 
+    /// Stays this object's.
+    [[nodiscard]] int Fd() const {
+        return m_fd;
+    }
     /// Gives the file its name.
-    void PutInPlace(const std::string& path);
+    /// @param replace whether a file that has this name may go.
+    void PutInPlace(const std::string& path, bool replace = false);
     /// Removes it again, if it is still the one that was put there.
     void TakeBack();
 

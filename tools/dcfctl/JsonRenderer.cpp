@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "ChangeJson.h"
+#include "CheckJson.h"
 #include "DcfNames.h"
 #include "MetadataText.h"
 #include "Renderer.h"
@@ -168,6 +169,11 @@ protected:
     void Put(const Report<SeriesResult>& report) override {
         PutChange("dcfctl.series", report);
     }
+    void Put(const Report<CheckResult>& report) override;
+    void Put(const Report<ExplainResult>& report) override {
+        PutChange("dcfctl.explain", report);
+    }
+    void Put(const Report<SheetResult>& report) override;
     void Put(const ShellReply& reply) override;
 
 private:
@@ -182,9 +188,29 @@ private:
     void PutLine(const Json& json) {
         Out().Write(Dumped(json) + "\n");
     }
+    template <typename Item, typename ToJson>
+    void PutLong(const Json& head, const char* key, const std::vector<Item>& items, ToJson toJson);
 };
 
-/// Written file by file: the whole of a big card as one value would need many times the room of its text.
+/// Writes a document whose last key has a list, one item a line: the whole of a big card as one value would need many
+/// times the room of its text.
+template <typename Item, typename ToJson>
+void JsonRenderer::PutLong(const Json& head, const char* key, const std::vector<Item>& items, ToJson toJson) {
+    std::string text = Dumped(head);
+    text.back() = ','; // the object stays open
+    Out().Write(text + "\"" + key + "\":[");
+    bool first = true;
+    for (const Item& item : items) {
+        Out().Write(first ? "\n" : ",\n");
+        Out().Write(Dumped(toJson(item)));
+        first = false;
+        if (Out().Error() != 0) {
+            return;
+        }
+    }
+    Out().Write("\n]}\n");
+}
+
 void JsonRenderer::Put(const Report<ListResult>& report) {
     Json head = Head("dcfctl.ls", report);
     if (!report.value.has_value()) {
@@ -193,19 +219,18 @@ void JsonRenderer::Put(const Report<ListResult>& report) {
     }
     head["counts"] = CountsJson(report.value->counts);
     head["shown"] = report.value->files.size();
-    std::string text = Dumped(head);
-    text.back() = ','; // the object stays open
-    Out().Write(text + "\"files\":[");
-    bool first = true;
-    for (const FileEntry& file : report.value->files) {
-        Out().Write(first ? "\n" : ",\n");
-        Out().Write(Dumped(FileJson(file, report.value->metadata)));
-        first = false;
-        if (Out().Error() != 0) {
-            return;
-        }
+    PutLong(head, "files", report.value->files,
+            [&](const FileEntry& file) { return FileJson(file, report.value->metadata); });
+}
+
+void JsonRenderer::Put(const Report<CheckResult>& report) {
+    Json head = Head("dcfctl.check", report);
+    if (!report.value.has_value()) {
+        PutLine(head);
+        return;
     }
-    Out().Write("\n]}\n");
+    AddTo(head, *report.value);
+    PutLong(head, "findings", report.value->findings, CheckFindingJson);
 }
 
 void JsonRenderer::Put(const Report<CountResult>& report) {
@@ -230,6 +255,19 @@ void JsonRenderer::Put(const Report<SampleResult>& report) {
         json["files"] = report.value->files;
         json["folders"] = report.value->folders;
         json["protected"] = report.value->protectedFiles;
+    }
+    PutLine(json);
+}
+
+void JsonRenderer::Put(const Report<SheetResult>& report) {
+    Json json = Head("dcfctl.sheet", report);
+    if (report.value.has_value()) {
+        const SheetResult& sheet = *report.value;
+        AddPath(json, "out", sheet.out);
+        json["bytes"] = sheet.bytes;
+        json["counts"] = CountsJson(sheet.counts);
+        json["folders"] = sheet.folders;
+        json["thumbnails"] = {{"embedded", sheet.embedded}, {"made", sheet.made}, {"missing", sheet.missing}};
     }
     PutLine(json);
 }

@@ -7,6 +7,8 @@
 #include <string_view>
 
 #include "AddVerb.h"
+#include "CheckVerb.h"
+#include "ExplainVerb.h"
 #include "Findings.h"
 #include "ListVerbs.h"
 #include "NameVerbs.h"
@@ -16,6 +18,7 @@
 #include "RenumberVerb.h"
 #include "SampleVerb.h"
 #include "SeriesVerb.h"
+#include "SheetVerb.h"
 #include "ShellTypes.h"
 
 namespace dcfctl {
@@ -68,6 +71,9 @@ protected:
     virtual void Put(const Report<AddResult>& report) = 0;
     virtual void Put(const Report<RenumberResult>& report) = 0;
     virtual void Put(const Report<SeriesResult>& report) = 0;
+    virtual void Put(const Report<CheckResult>& report) = 0;
+    virtual void Put(const Report<ExplainResult>& report) = 0;
+    virtual void Put(const Report<SheetResult>& report) = 0;
     virtual void Put(const ShellReply& reply) = 0;
 
     [[nodiscard]] Output& Out() {

@@ -4,8 +4,10 @@
 #include <cstring>
 
 #include "ChangeText.h"
+#include "CheckText.h"
 #include "DcfNames.h"
 #include "MetadataText.h"
+#include "Phrases.h"
 #include "Renderer.h"
 #include "Text.h"
 
@@ -126,9 +128,24 @@ protected:
     void Put(const Report<SeriesResult>& report) override {
         PutChange(report);
     }
+    void Put(const Report<CheckResult>& report) override {
+        PutCheck(report);
+    }
+    void Put(const Report<ExplainResult>& report) override {
+        PutCheck(report);
+    }
+    void Put(const Report<SheetResult>& report) override;
     void Put(const ShellReply& reply) override;
 
 private:
+    template <typename Value>
+    void PutCheck(const Report<Value>& report) {
+        if (report.value.has_value()) {
+            const CheckText text([this](std::string_view name) { return Name(name); },
+                                 [this](std::string_view escaped) { return Shown(escaped); });
+            Out().Write(text.Of(*report.value));
+        }
+    }
     template <typename Value>
     void PutChange(const Report<Value>& report) {
         if (report.value.has_value()) {
@@ -141,6 +158,7 @@ private:
     void PutTable(const ListResult& list);
     void PutPaths(const ListResult& list);
     [[nodiscard]] std::string Name(std::string_view bytes);
+    [[nodiscard]] std::string Shown(std::string_view escaped);
     [[nodiscard]] std::string ItemFields(const ShownItem& shown);
     [[nodiscard]] std::string MetadataFields(const CSFileListItem& item);
 
@@ -148,8 +166,11 @@ private:
 };
 
 std::string TextRenderer::Name(std::string_view bytes) {
-    const std::string text = Escaped(bytes);
-    return Out().IsAsciiTerminal() ? AsciiOnly(text) : text;
+    return Shown(Escaped(bytes));
+}
+
+std::string TextRenderer::Shown(std::string_view escaped) {
+    return Out().IsAsciiTerminal() ? AsciiOnly(escaped) : std::string(escaped);
 }
 
 void TextRenderer::Put(const Report<ListResult>& report) {
@@ -245,6 +266,18 @@ void TextRenderer::Put(const Report<SampleResult>& report) {
                 " in " + std::to_string(sample.folders) + " folders, " + std::to_string(sample.protectedFiles) +
                 " of them protected.\n");
     Out().Write("List it with: dcfctl ls --card '" + Name(sample.root) + "'\n");
+}
+
+/// A sheet that went to standard output says it all itself.
+void TextRenderer::Put(const Report<SheetResult>& report) {
+    if (!report.value.has_value() || report.value->out == kStandardOutput) {
+        return;
+    }
+    const SheetResult& sheet = *report.value;
+    Out().Write("Wrote " + Name(sheet.out) + " (" + SizeText(sheet.bytes) +
+                "): " + Files(static_cast<std::size_t>(sheet.counts.files)) + " in " +
+                CountText(sheet.folders, "folder", "folders") + ", " +
+                CountText(sheet.embedded + sheet.made, "thumbnail", "thumbnails") + ".\n");
 }
 
 // ---- The shell ----

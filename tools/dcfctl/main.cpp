@@ -13,12 +13,14 @@
 #include "BrowseVerb.h"
 #include "CardInspector.h"
 #include "ChangeCommands.h"
+#include "CheckCommands.h"
 #include "DcfNames.h"
 #include "ExitCodes.h"
 #include "ListVerbs.h"
 #include "Output.h"
 #include "Renderer.h"
 #include "SampleVerb.h"
+#include "SheetCommands.h"
 #include "ShellVerb.h"
 #include "Streams.h"
 #include "Text.h"
@@ -41,6 +43,8 @@ struct Request {
     bool paths = false;
     bool nul = false;
     ChangeRequest change;
+    CheckRequest check;
+    SheetOptions sheet;
 };
 
 std::string ExitCodeHelp() {
@@ -122,6 +126,8 @@ void Describe(CLI::App& app, Request& request) {
     AddVerbs(app, request);
     AddBrowseVerb(app, request.noCamera);
     AddChangeVerbs(app, request.change, request.json, request.noCamera);
+    AddCheckVerbs(app, request.check, request.json, request.noCamera);
+    AddSheetVerb(app, request.sheet, request.json, request.noCamera);
     app.footer(ExitCodeHelp());
 }
 
@@ -135,10 +141,16 @@ Format FormatOf(const Request& request) {
     return request.paths ? Format::kPaths : Format::kText;
 }
 
-ExitCode RunVerb(const CLI::App& app, Request& request, Renderer& renderer, const Output& out, Output& err) {
+ExitCode RunVerb(const CLI::App& app, Request& request, Renderer& renderer, Output& out, Output& err) {
     const CardOptions card = {NormalisedRoot(request.card), !request.noCamera};
     if (const auto code = RunChangeVerb(app, request.change, card, renderer, err)) {
         return *code;
+    }
+    if (const auto code = RunCheckVerb(app, request.check, card, renderer, err)) {
+        return *code;
+    }
+    if (app.got_subcommand("sheet")) {
+        return renderer.Show(MakeSheet(card, request.sheet, out, err));
     }
     const auto type = TypeFromText(request.type);
     if (app.got_subcommand("ls")) {
