@@ -40,7 +40,7 @@ std::size_t CountCompanions(const CensusFolder& folder, const std::vector<Listed
     std::size_t count = 0;
     for (const CensusEntry& entry : folder.entries) {
         const std::string name = UpperCased(entry.name);
-        count += companions.count(name) > 0 && files.count(name) == 0 ? companions.erase(name) : 0;
+        count += companions.contains(name) && !files.contains(name) ? companions.erase(name) : 0;
     }
     return count;
 }
@@ -100,7 +100,7 @@ std::optional<Finding> CardCheck::Disagreement() const {
         }
     }
     const auto unknown =
-        std::find_if(m_lists.begin(), m_lists.end(), [&](const auto& list) { return known.count(list.first) == 0; });
+        std::find_if(m_lists.begin(), m_lists.end(), [&](const auto& list) { return !known.contains(list.first); });
     if (unknown == m_lists.end()) {
         return std::nullopt;
     }
