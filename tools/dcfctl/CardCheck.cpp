@@ -40,7 +40,7 @@ std::size_t CountCompanions(const CensusFolder& folder, const std::vector<Listed
     std::size_t count = 0;
     for (const CensusEntry& entry : folder.entries) {
         const std::string name = UpperCased(entry.name);
-        count += companions.count(name) > 0 && files.count(name) == 0 ? companions.erase(name) : 0;
+        count += companions.contains(name) && !files.contains(name) ? companions.erase(name) : 0;
     }
     return count;
 }
@@ -48,7 +48,7 @@ std::size_t CountCompanions(const CensusFolder& folder, const std::vector<Listed
 } // namespace
 
 CardCheck::CardCheck(CardOptions card, Output& err)
-    : m_card(std::move(card)), m_dcim(m_card.root + "/" + std::string(kDcim)) {
+    : m_card(std::move(card)), m_dcim(m_card.root + "/" + std::string(kDcim)), m_dcimState(LookAt(m_dcim)) {
     m_listing.emplace(m_card);
     m_refusal = m_listing->Refusal();
     if (m_refusal.has_value() && m_refusal->exit == ExitCode::kCardUnreadable) {
@@ -79,6 +79,11 @@ void CardCheck::Walk() {
 }
 
 std::optional<Finding> CardCheck::Disagreement() const {
+    const auto now = LookAt(m_dcim);
+    if (!now.has_value() || !m_dcimState.has_value() || !now->IsSame(*m_dcimState)) {
+        return Incomplete("check-disagrees", Quoted(m_dcim) + " is no longer what it was, so nothing of this is sure; "
+                                                              "check whether the card is still there");
+    }
     if (m_refusal.has_value()) {
         return std::nullopt; // there is no list
     }
@@ -95,7 +100,7 @@ std::optional<Finding> CardCheck::Disagreement() const {
         }
     }
     const auto unknown =
-        std::find_if(m_lists.begin(), m_lists.end(), [&](const auto& list) { return known.count(list.first) == 0; });
+        std::find_if(m_lists.begin(), m_lists.end(), [&](const auto& list) { return !known.contains(list.first); });
     if (unknown == m_lists.end()) {
         return std::nullopt;
     }

@@ -28,7 +28,7 @@ public:
     [[nodiscard]] const std::optional<Finding>& Refusal() const {
         return m_refusal;
     }
-    /// Where the entries and the list do not fit together.
+    /// Where the entries and the list do not fit together, or the card is gone: to be asked at the end.
     [[nodiscard]] std::optional<Finding> Disagreement() const;
     /// The sum of the figures, which must come out.
     [[nodiscard]] std::optional<Finding> Closes(const CheckFigures& figures) const;
@@ -66,6 +66,7 @@ private:
 
     CardOptions m_card;
     std::string m_dcim;
+    std::optional<EntryState> m_dcimState; ///< As it was in the beginning.
     std::optional<Finding> m_error;
     std::optional<Finding> m_refusal;
     std::optional<CardListing> m_listing;

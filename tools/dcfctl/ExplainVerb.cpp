@@ -309,7 +309,7 @@ void AddHazards(const CardCheck& check, std::vector<ExplainedEntry>& entries, Ou
     for (const ExplainedEntry& entry : entries) {
         paths.insert(entry.path);
     }
-    const auto asked = [&](const std::string& path) { return paths.count(path) > 0; };
+    const auto asked = [&](const std::string& path) { return paths.contains(path); };
     std::vector<CheckFinding> all = FindCardHazards(check, PlanRenumberingOf(check));
     for (std::vector<CheckFinding> more : {FindFolderHazards(check), FindFileHazards(check, asked, err)}) {
         std::move(more.begin(), more.end(), std::back_inserter(all));

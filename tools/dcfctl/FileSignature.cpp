@@ -12,7 +12,7 @@
 namespace dcfctl {
 namespace {
 
-using std::string_view_literals::operator""sv;
+using namespace std::string_view_literals;
 
 constexpr std::size_t kRead = 16;
 

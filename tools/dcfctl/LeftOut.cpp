@@ -178,7 +178,8 @@ Cause DcfNameFault(const std::string& name) {
 
 Cause CameraNameFault(const std::string& name) {
     const auto type = name.size() < 3 ? std::nullopt : TypeFromText(name.substr(name.size() - 3));
-    if (type == FILE_TYPE_MP4 || type == FILE_TYPE_AVI) {
+    const eFileType kind = type.value_or(FILE_TYPE_NONE);
+    if (kind == FILE_TYPE_MP4 || kind == FILE_TYPE_AVI) {
         return {CheckCode::kCameraMovie, "movies are not listed in 'Camera'", ""};
     }
     if (name.size() != kCameraName) {

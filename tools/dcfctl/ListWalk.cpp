@@ -32,7 +32,7 @@ std::vector<Candidate> Candidates(const CensusFolder& folder, const std::vector<
         const std::string& name = folder.entries[i].name;
         const auto read = folder.camera ? CameraFileName(name) : DcfFileName(name);
         if (read.has_value()) {
-            const int rank = listed.count(name) > 0 ? 0 : listed.count(UpperCased(name)) > 0 ? 1 : 2;
+            const int rank = listed.contains(name) ? 0 : listed.contains(UpperCased(name)) ? 1 : 2;
             candidates.push_back({i, *read, rank});
         }
     }

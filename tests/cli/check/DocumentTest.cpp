@@ -96,7 +96,7 @@ TEST(CheckDocument, HasAnEntryForEveryCodeAndNoOther) {
     const std::regex heading("\n### `([a-z-]+)`\n");
     for (std::sregex_iterator it(page.begin(), page.end(), heading), end; it != end; ++it) {
         EXPECT_TRUE(entries.insert((*it)[1]).second) << "twice: " << (*it)[1];
-        const std::size_t begin = static_cast<std::size_t>(it->position()) + it->length();
+        const std::size_t begin = static_cast<std::size_t>(it->position() + it->length());
         const std::string text = page.substr(begin, page.find("\n#", begin) - begin);
         EXPECT_NE(std::string::npos, text.find("Cause: ")) << (*it)[1];
         EXPECT_NE(std::string::npos, text.find("Cure: ")) << (*it)[1];

@@ -262,6 +262,10 @@ TEST(LeftOut, PathsThatWouldBeCutInCameraAlone) {
     EXPECT_EQ((Words{"100PHOTO/KVR_0001.JPG: its name is good, and no list can be made of this card"}),
               Of(json, "card-not-listed"));
     EXPECT_EQ(Words{}, clitest::Codes(card.Check({"--no-camera"})));
+    CheckedCard longer(71); // now the paths of the other folders are just not cut
+    longer.Put("100PHOTO", {"KVR_0001.JPG"}).Put("Camera", {"20240501_123456.JPG"});
+    EXPECT_EQ(1U, Of(longer.Check(), "card-not-listed").size());
+    EXPECT_EQ(1U, Of(longer.Check(), "path-cut").size());
 }
 
 TEST(LeftOut, ARootThatIsLongerThanTheListTakes) {
