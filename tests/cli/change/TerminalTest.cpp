@@ -150,7 +150,7 @@ TEST(Terminal, StopsACopyWhenInterruptedAndCleansUp) {
     EXPECT_EQ(Words{}, card.DirNames());
 }
 
-TEST(Terminal, StopsADeletionBetweenTwoBatchesWhenInterrupted) {
+TEST(Terminal, StopsADeletionBetweenTwoFilesWhenInterrupted) {
     ChangeCard card;
     for (int folder = 100; folder < 108; ++folder) {
         card.Put(dcftest::DirName(folder), {"KVR_0001.JPG"});
