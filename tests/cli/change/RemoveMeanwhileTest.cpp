@@ -93,4 +93,48 @@ TEST_F(RemovedMeanwhile, TheLastFolderOfTheListItselfEndsNothing) {
     EXPECT_EQ(Words{"KVR_0002.JPG"}, m_card.Names("103PHOTO"));
 }
 
+TEST_F(RemovedMeanwhile, TheShellRefusesASetThatASelectedFolderWithoutItsFilesWouldMisdirect) {
+    // 103 would leave the list with both its positions, and the position meant for 102 be matched against 101.
+    clitest::Options options = m_card.Environment();
+    options.environment.emplace("TERM", "dumb");
+    clitest::Terminal terminal({"--card", m_card.Root(), "shell"}, options);
+    for (const char* line : {"Listup\n", "SetSel 0 true\n", "SetSel 2 true\n"}) {
+        ASSERT_TRUE(terminal.ShowsPrompt()) << terminal.Screen();
+        terminal.Type(line);
+    }
+    ASSERT_TRUE(terminal.ShowsPrompt()) << terminal.Screen();
+    Empty(m_card.Path("103PHOTO"));
+    terminal.Type("DeleteSel\n");
+    EXPECT_TRUE(terminal.Shows("DeleteSel: the files of '" + m_card.Path("103PHOTO") +
+                               "' are no longer on the card, so what is selected behind them would be taken for other "
+                               "files; Create and Listup list anew"))
+        << terminal.Screen();
+    terminal.Type(clitest::kEndOfInput);
+    (void)terminal.End(); // ends with the input, whatever was said before
+    EXPECT_EQ((Words{"KVR_0001.JPG", "KVR_0002.JPG", "KVR_0003.JPG"}), m_card.Names("102PHOTO"));
+    Expect101Whole();
+}
+
+TEST_F(RemovedMeanwhile, TheShellTellsWhenTheCursorWouldLoseItsFile) {
+    // What is left of 102 on the card is in the set, so 102 leaves the list, and the cursor's position with it.
+    clitest::Options options = m_card.Environment();
+    options.environment.emplace("TERM", "dumb");
+    clitest::Terminal terminal({"--card", m_card.Root(), "shell"}, options);
+    for (const char* line : {"Listup\n", "SetSel 4 true\n"}) {
+        ASSERT_TRUE(terminal.ShowsPrompt()) << terminal.Screen();
+        terminal.Type(line);
+    }
+    ASSERT_TRUE(terminal.ShowsPrompt()) << terminal.Screen();
+    fs::remove(m_card.Path("102PHOTO", "KVR_0003.JPG"));
+    fs::remove(m_card.Path("102PHOTO", "KVR_0002.JPG"));
+    terminal.Type("DeleteSel\n");
+    EXPECT_TRUE(terminal.Shows("DeleteSel: the files of '" + m_card.Path("102PHOTO") +
+                               "' are no longer all on the card, so the cursor would be lost; Create and Listup list "
+                               "anew"))
+        << terminal.Screen();
+    terminal.Type(clitest::kEndOfInput);
+    (void)terminal.End(); // as above
+    EXPECT_TRUE(m_card.Holds("102PHOTO", "KVR_0001.JPG"));
+}
+
 } // namespace
