@@ -56,7 +56,10 @@ std::optional<Finding> NamingCard::Open() {
     m_start.dcim = m_dcim;
     m_start.series = m_options.series;
     if (!finding.has_value()) {
-        finding = inspector.HasDcim() ? ListCard() : CheckWritable(m_card.root.empty() ? "/" : m_card.root, "made");
+        finding = inspector.HasDcim() ? ListCard() : inspector.CheckNewDcim();
+    }
+    if (!finding.has_value() && NeedsDcim()) {
+        finding = CheckWritable(m_card.root.empty() ? "/" : m_card.root, "made");
     }
     StartAgain();
     return finding;
