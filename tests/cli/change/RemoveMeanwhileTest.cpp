@@ -93,7 +93,7 @@ TEST_F(RemovedMeanwhile, TheLastFolderOfTheListItselfEndsNothing) {
     EXPECT_EQ(Words{"KVR_0002.JPG"}, m_card.Names("103PHOTO"));
 }
 
-TEST_F(RemovedMeanwhile, TheShellRefusesASetThatASelectedFolderWithoutItsFilesWouldMisdirect) {
+TEST_F(RemovedMeanwhile, TheShellRefusesASetThatAFolderWithoutItsFilesWouldMisdirect) {
     // 103 would leave the list with both its positions, and the position meant for 102 be matched against 101.
     clitest::Options options = m_card.Environment();
     options.environment.emplace("TERM", "dumb");
@@ -135,6 +135,32 @@ TEST_F(RemovedMeanwhile, TheShellTellsWhenTheCursorWouldLoseItsFile) {
     terminal.Type(clitest::kEndOfInput);
     (void)terminal.End(); // as above
     EXPECT_TRUE(m_card.Holds("102PHOTO", "KVR_0001.JPG"));
+}
+
+TEST_F(RemovedMeanwhile, AFileThatWasProtectedInTheMeantimeStays) {
+    m_card.AddDir("100PHOTO"); // makes --all end with the operation that deletes protected files too
+    const int exit = RemoveMeanwhile(m_card, {"--all"}, [this] { m_card.SetMode("102PHOTO", "KVR_0002.JPG", 0444); });
+    EXPECT_EQ(clitest::kIncomplete, exit);
+    EXPECT_TRUE(m_card.Holds("102PHOTO", "KVR_0002.JPG"));
+    EXPECT_EQ((Words{"100PHOTO", "102PHOTO"}), m_card.DirNames());
+}
+
+TEST_F(RemovedMeanwhile, TheShellDeletesASetWhoseLastFolderAloneHasLostItsFiles) {
+    clitest::Options options = m_card.Environment();
+    options.environment.emplace("TERM", "dumb");
+    clitest::Terminal terminal({"--card", m_card.Root(), "shell"}, options);
+    for (const char* line : {"Listup\n", "SetSel 2 true\n", "SetSel 4 true\n"}) {
+        ASSERT_TRUE(terminal.ShowsPrompt()) << terminal.Screen();
+        terminal.Type(line);
+    }
+    ASSERT_TRUE(terminal.ShowsPrompt()) << terminal.Screen();
+    Empty(m_card.Path("102PHOTO"));
+    terminal.Type("DeleteSel\n");
+    EXPECT_TRUE(terminal.Shows("DeleteSel = 0")) << terminal.Screen();
+    terminal.Type(clitest::kEndOfInput);
+    EXPECT_EQ(clitest::kSuccess, terminal.End()) << terminal.Screen();
+    EXPECT_EQ((Words{"101PHOTO", "103PHOTO"}), m_card.DirNames());
+    Expect101Whole();
 }
 
 } // namespace
