@@ -131,7 +131,7 @@ std::optional<Finding> CheckSetDeletion(const ShellState& state, const Operation
         const FolderContents contents(path, folder == kCamera);
         const std::vector<std::string>& names = contents.Names();
         if (std::all_of(names.begin(), names.end(),
-                        [&doomed = doomed](const std::string& name) { return doomed.count(name) > 0; })) {
+                        [&doomed = doomed](const std::string& name) { return doomed.contains(name); })) {
             return Refusal(operation, "folder-lost-files",
                            "the files of " + Quoted(path) +
                                " are no longer all on the card, so the cursor would be lost; Create and Listup list "
