@@ -261,6 +261,11 @@ TEST(SamplePlace, ThatCannotBeWrittenIsToldAndKeepsNothing) {
     EXPECT_EQ(refused.exit, clitest::kIncomplete);
     EXPECT_EQ(clitest::Lines(refused.err).size(), 1U);
     EXPECT_EQ(clitest::Snapshot(card.Root()).size(), 1U);
+    const Outcome beside = Dcfctl({"sample", card.Root() + "/new"}, nobody);
+    EXPECT_EQ(beside.exit, clitest::kIncomplete);
+    EXPECT_EQ(beside.err, ErrorLine("the sample card could not be written at '" + card.Root() +
+                                    "/new' (Permission denied), and nothing of it was left; make room or name another "
+                                    "folder"));
 }
 
 TEST(SamplePlace, ThatTakesNoProtectionIsToldAndKeepsTheCard) {

@@ -205,9 +205,8 @@ void BrowseModel::DeleteAtCursor(const FileEntry& file, const RemovalPlan& plan)
 }
 
 /// The set deletion leaves the cursor on the file before the first one that was selected.
-void BrowseModel::DeleteSelected(const std::vector<FileEntry>& files, const CardReport& now, const RemovalPlan& plan,
-                                 const Tick& tick) {
-    (void)RemoveAsPlanned(List(), now, plan, tick); // how many are kept is known
+void BrowseModel::DeleteSelected(const std::vector<FileEntry>& files, const RemovalPlan& plan, const Tick& tick) {
+    (void)RemoveAsPlanned(List(), plan, tick); // how many are kept is known
     List().SelectCancel();
     m_listing->Recount();
     SettleAt(files.front().position - 1);
@@ -241,7 +240,7 @@ BrowseReply BrowseModel::Delete(const Tick& tick) {
     {
         const InterruptGuard guard;
         if (set) {
-            DeleteSelected(files, now, result.plan, tick);
+            DeleteSelected(files, result.plan, tick);
         } else {
             DeleteAtCursor(files.front(), result.plan);
         }

@@ -1,22 +1,15 @@
-// Metadata in words; see the header. The collector's header is there where the program is linked to it.
+// Metadata in words; see the header.
 #include "BrowsePhoto.h"
 
 #include <array>
 #include <cstdint>
 #include <cstdio>
 
+#include "DcfExif.h"
+#include "Metadata.h"
 #include "Text.h"
 
-#if defined(__has_include)
-#if __has_include("DcfExif.h")
-#include "DcfExif.h"
-#define DCFCTL_HAS_COLLECTOR
-#endif
-#endif
-
 namespace dcfctl {
-
-#ifdef DCFCTL_HAS_COLLECTOR
 namespace {
 
 std::string Decimal(std::int32_t hundredths) {
@@ -51,12 +44,8 @@ std::string LensText(const DcfExifInfo& info) {
 
 } // namespace
 
-bool CanCollectPhotoFacts() {
-    return true;
-}
-
 void CollectPhotoFacts(ISFileList& list) {
-    (void)list.RegisterPhotoMetadataCB(CollectExif); // has one result
+    (void)list.RegisterPhotoMetadataCB(ExifCollector()); // none without the component; has one result
 }
 
 BrowseFacts PhotoFacts(const CSFileListItem& item) {
@@ -81,16 +70,5 @@ BrowseFacts PhotoFacts(const CSFileListItem& item) {
     }
     return known;
 }
-#else
-bool CanCollectPhotoFacts() {
-    return false;
-}
-
-void CollectPhotoFacts(ISFileList& /*list*/) {}
-
-BrowseFacts PhotoFacts(const CSFileListItem& /*item*/) {
-    return {};
-}
-#endif
 
 } // namespace dcfctl

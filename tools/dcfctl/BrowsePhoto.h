@@ -15,9 +15,6 @@ namespace dcfctl {
 /// Names and what is to be said of them, escaped.
 using BrowseFacts = std::vector<std::pair<std::string, std::string>>;
 
-/// Whether this program has a collector.
-[[nodiscard]] bool CanCollectPhotoFacts();
-
 /// Lets the list collect metadata, where there is a collector.
 void CollectPhotoFacts(ISFileList& list);
 

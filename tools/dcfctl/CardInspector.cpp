@@ -54,6 +54,8 @@ std::optional<Finding> CheckFolder(const std::string& path) {
     return std::nullopt;
 }
 
+constexpr const char* kNoHint = "is this the card's folder? 'dcfctl sample DIR' makes a card to try things on";
+
 std::string MissingDcimCure(const std::string& root) {
     const std::size_t slash = root.rfind('/');
     const std::string last = slash == std::string::npos ? root : root.substr(slash + 1);
@@ -64,7 +66,7 @@ std::string MissingDcimCure(const std::string& root) {
     if (lstat((root + "/dcim").c_str(), &info) == 0) {
         return "there is a 'dcim' in small letters: rename it to DCIM";
     }
-    return "is this the card's folder? 'dcfctl sample DIR' makes a card to try things on";
+    return kNoHint;
 }
 
 std::optional<Finding> CheckDcim(const std::string& root, const std::string& dcim) {
@@ -251,6 +253,10 @@ std::optional<Finding> CardInspector::CheckRoot() const {
 bool CardInspector::HasDcim() const {
     struct stat info = {};
     return lstat(m_dcim.c_str(), &info) == 0;
+}
+
+std::optional<Finding> CardInspector::CheckNewDcim() const {
+    return MissingDcimCure(m_root) == kNoHint ? std::nullopt : CheckDcim(m_root, m_dcim);
 }
 
 std::optional<Finding> CardInspector::CheckCard() const {

@@ -43,6 +43,8 @@ public:
     /// CheckRoot, and "DCIM" is there and can be read.
     [[nodiscard]] std::optional<Finding> CheckCard() const;
     [[nodiscard]] bool HasDcim() const;
+    /// With no "DCIM" there: may one be made? Not in a folder that itself is one, nor beside one in small letters.
+    [[nodiscard]] std::optional<Finding> CheckNewDcim() const;
     /// The names of the folders that a listing takes, in its order.
     [[nodiscard]] std::vector<std::string> FolderNames() const;
     /// CheckCard, and every folder and file name that a listing will meet.

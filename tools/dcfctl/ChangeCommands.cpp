@@ -88,7 +88,7 @@ void AddNames(CLI::App& app, ChangeRequest& request, bool& json, bool& noCamera)
     latest->add_option("--type", request.type, "The companion's type: SRW or MPO")
         ->type_name("TYPE")
         ->check([](const std::string& text) {
-            const auto type = TypeFromText(text);
+            const eFileType type = TypeFromText(text).value_or(FILE_TYPE_NONE);
             const bool fits = type == FILE_TYPE_SRW || type == FILE_TYPE_MPO;
             return fits ? "" : Quoted(text) + " is no type of a companion; use SRW or MPO";
         });

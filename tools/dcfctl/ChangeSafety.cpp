@@ -151,7 +151,7 @@ std::optional<Finding> ChangeSafety::CheckEntry(const std::string& path, const s
 
 std::optional<Finding> ChangeSafety::JudgeFile(const FileEntry& entry, Target& target) {
     const PathParts parts = SplitPath(entry.path);
-    if (m_report.ambiguous.count(parts.folder) > 0) {
+    if (m_report.ambiguous.contains(parts.folder)) {
         return Refused(kSharedFolderNumber, Together(parts.folder, parts.file) +
                                                 " lies in one of two folders that share a number, by which the file "
                                                 "list finds a folder, so it could mean the other one; rename one of "

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstring>
+#include <utility>
 
 #include "ChangeSafety.h"
 #include "DcfNames.h"
@@ -26,8 +27,8 @@ std::string UsedUp(const NewName& name) {
 
 } // namespace
 
-NamingCard::NamingCard(const CardOptions& card, const NamingOptions& options)
-    : m_card(card), m_options(options), m_dcim(card.root + "/" + std::string(kDcim)) {
+NamingCard::NamingCard(CardOptions card, NamingOptions options)
+    : m_card(std::move(card)), m_options(std::move(options)), m_dcim(m_card.root + "/" + std::string(kDcim)) {
     m_refusal = Open();
 }
 
@@ -56,7 +57,10 @@ std::optional<Finding> NamingCard::Open() {
     m_start.dcim = m_dcim;
     m_start.series = m_options.series;
     if (!finding.has_value()) {
-        finding = inspector.HasDcim() ? ListCard() : CheckWritable(m_card.root.empty() ? "/" : m_card.root, "made");
+        finding = inspector.HasDcim() ? ListCard() : inspector.CheckNewDcim();
+    }
+    if (!finding.has_value() && NeedsDcim()) {
+        finding = CheckWritable(m_card.root.empty() ? "/" : m_card.root, "made");
     }
     StartAgain();
     return finding;
@@ -123,7 +127,7 @@ std::variant<NewName, Finding> NamingCard::Take(eFileType type) {
     if (std::holds_alternative<Finding>(foretold)) {
         return foretold;
     }
-    NewName& name = std::get<NewName>(foretold);
+    auto& name = std::get<NewName>(foretold);
     NameBuffer buffer = {};
     if (m_listing->List().GetNewFileName(buffer.data(), type) < 0) {
         return Refused("no-name", "the file list gives no new name on this card; look at its folders, and try again");

@@ -17,7 +17,7 @@ namespace dcfctl {
 
 class NamingCard {
 public:
-    NamingCard(const CardOptions& card, const NamingOptions& options);
+    NamingCard(CardOptions card, NamingOptions options);
 
     /// Why no name can be given on this card; then nothing else may be asked.
     [[nodiscard]] const std::optional<Finding>& Refusal() const {

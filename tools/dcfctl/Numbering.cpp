@@ -98,7 +98,7 @@ std::optional<Finding> Numbering::ChooseNumber(const std::string& suffix, NewNam
 }
 
 bool Numbering::Exists(const std::string& folder) const {
-    if (m_made.count(folder) > 0) {
+    if (m_made.contains(folder)) {
         return true;
     }
     DIR* opened = opendir((m_start.dcim + "/" + folder).c_str());
@@ -141,10 +141,10 @@ std::optional<Finding> Numbering::ChooseFolder(const std::string& wanted, bool r
 
 std::optional<Finding> Numbering::CheckPlace(const NewName& name) {
     const std::string folder = m_start.dcim + "/" + name.folder;
-    if (m_made.count(name.folder) > 0) {
+    if (m_made.contains(name.folder)) {
         return std::nullopt; // it will be empty
     }
-    if (m_report.ambiguous.count(name.folder) > 0) {
+    if (m_report.ambiguous.contains(name.folder)) {
         return Refused(kSharedFolderNumber, "the new file would go into " + Quoted(folder) +
                                                 ", which shares its number with another folder; rename one of them "
                                                 "first");

@@ -1,7 +1,6 @@
 // rm; see the header. Sections: the plan, the work, the look at the card afterwards.
 #include "RemoveVerb.h"
 
-#include <algorithm>
 #include <map>
 #include <set>
 
@@ -124,41 +123,16 @@ std::optional<Finding> MakePlan(const CardListing& listing, const std::string& r
 
 // ---- The work ----
 
-/// So many positions are handed over at once: few enough to show progress and to stop between them.
-constexpr std::size_t kBatch = 256;
-
-using Batch = std::vector<const Target*>;
-
-/// A set that reached over a folder which it empties would, by the library's rule, be matched against the wrong
-/// files there. So a batch lies in one folder, and the last ones come first: then no position shifts before its turn.
-std::vector<Batch> MakeBatches(const std::vector<Target>& targets) {
-    std::vector<Batch> batches;
-    for (auto it = targets.rbegin(); it != targets.rend(); ++it) {
-        const bool fits =
-            !batches.empty() && batches.back().size() < kBatch && batches.back().front()->folder == it->folder;
-        if (!fits) {
-            batches.emplace_back();
-        }
-        batches.back().push_back(&*it);
+/// One file by its path, and only if that is still what the position means: a folder that has lost its files behind the
+/// list's back leaves the list with all its positions.
+void DeleteOne(ISFileList& list, const Target& target) {
+    if (target.position >= list.GetCount()) {
+        return;
     }
-    return batches;
-}
-
-void DeleteAsSet(ISFileList& list, const Batch& batch) {
-    list.SelectCancel();
-    for (const Target* target : batch) {
-        list.SetSel(target->position, true);
-    }
-    (void)list.DeleteSel(); // 0 whatever happened: the card is looked at afterwards
-}
-
-/// The set deletion moves the cursor by a path, which must not be looked up on a card with shared folder numbers. One
-/// file at a time does without.
-void DeleteOneByOne(ISFileList& list, const Batch& batch) {
-    for (const Target* target : batch) {
-        CSFileListItem item;
-        (void)list.GetAt(target->position, &item); // 0 for every position of the list
-        (void)list.Delete(&item);                  // as above
+    CSFileListItem item;
+    (void)list.GetAtSimply(target.position, &item); // 0 for every position of the list
+    if (target.file.path == item.m_strURI) {
+        (void)list.Delete(&item); // 0 whatever happened: the card is looked at afterwards
     }
 }
 
@@ -173,24 +147,23 @@ void DeleteRest(ISFileList& list, std::size_t announced, Progress& progress) {
 
 } // namespace
 
-std::size_t RemoveAsPlanned(ISFileList& list, const CardReport& report, const RemovalPlan& plan, const Tick& tick) {
-    std::vector<Target> ordinary;
-    std::copy_if(plan.targets.begin(), plan.targets.end(), std::back_inserter(ordinary),
-                 [](const Target& target) { return !target.AnyProtected(); });
+std::size_t RemoveAsPlanned(ISFileList& list, const RemovalPlan& plan, const Tick& tick) {
     std::size_t done = 0;
-    for (const Batch& batch : MakeBatches(ordinary)) {
+    std::size_t rest = 0;
+    // Never as a set, which is matched by position: when a folder in front turns out to be empty, the set would meet
+    // files that nobody named. From the last one on, so that no position shifts before its turn.
+    for (auto target = plan.targets.rbegin(); target != plan.targets.rend(); ++target) {
         if (InterruptGuard::Interrupted()) {
             break;
         }
-        if (report.ambiguous.empty()) {
-            DeleteAsSet(list, batch);
-        } else {
-            DeleteOneByOne(list, batch);
+        if (target->AnyProtected()) {
+            ++rest;
+            continue;
         }
-        done += batch.size();
-        tick(done, plan.targets.size());
+        DeleteOne(list, *target);
+        tick(++done, plan.targets.size());
     }
-    return plan.targets.size() - ordinary.size();
+    return rest;
 }
 
 namespace {
@@ -199,7 +172,7 @@ void DoWork(CardListing& listing, const RemovalOptions& options, const RemovalPl
     const InterruptGuard guard;
     Progress progress(err, "Deleting");
     const auto tick = [&](std::uint64_t done, std::uint64_t all) { progress.Show(done, all); };
-    const std::size_t rest = RemoveAsPlanned(listing.List(), listing.Inspected(), plan, tick);
+    const std::size_t rest = RemoveAsPlanned(listing.List(), plan, tick);
     if (!InterruptGuard::Interrupted() && options.targets.all && (rest > 0 || !plan.emptyBefore.empty())) {
         DeleteRest(listing.List(), rest, progress);
     }

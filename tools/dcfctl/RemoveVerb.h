@@ -63,7 +63,7 @@ using AgreeToRemoval = std::function<std::optional<Finding>(const RemovalPlan&)>
                                                  const RemovalOptions& options, const Tick& tick, RemovalPlan& plan);
 /// Deletes what is not protected, until an interruption (see InterruptGuard). @return how many of the plan are
 /// protected.
-std::size_t RemoveAsPlanned(ISFileList& list, const CardReport& report, const RemovalPlan& plan, const Tick& tick);
+std::size_t RemoveAsPlanned(ISFileList& list, const RemovalPlan& plan, const Tick& tick);
 /// Looks at what has become of the plan. @return what is still there.
 [[nodiscard]] std::optional<Finding> LookAtRemoval(RemovalResult& result);
 

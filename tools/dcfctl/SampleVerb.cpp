@@ -16,7 +16,9 @@
 #include <vector>
 
 #include "DcfNames.h"
+#include "Phrases.h"
 #include "SampleFiles.h"
+#include "Terminal.h"
 #include "Text.h"
 
 namespace dcfctl {
@@ -114,11 +116,25 @@ void MakeFolder(const std::string& path) {
     }
 }
 
+/// @return whether the card's folder was made and not there before.
+bool MakePlace(const std::string& root) {
+    if (root.empty() || mkdir(root.c_str(), 0777) == 0) {
+        return !root.empty();
+    }
+    if (errno != EEXIST) {
+        Fail(root);
+    }
+    return false;
+}
+
 SampleResult FillCard(const std::string& dcim) {
     SampleResult result;
     std::set<std::string> folders;
     MakeFolder(dcim);
     for (const SampleFile& file : kFiles) {
+        if (InterruptGuard::Interrupted()) {
+            throw WriteError{EINTR, dcim};
+        }
         const std::string folder = dcim + "/" + file.folder;
         if (folders.insert(folder).second) {
             MakeFolder(folder);
@@ -152,6 +168,7 @@ void MoveIntoPlace(const std::string& from, const std::string& to) {
 }
 
 SampleResult Build(const std::string& root) {
+    const InterruptGuard guard;
     std::string work = root + "/.DCIM-XXXXXX";
     if (mkdtemp(work.data()) == nullptr) {
         Fail(root);
@@ -190,8 +207,9 @@ Report<SampleResult> MakeSample(const std::string& root) {
     if (auto finding = CheckPlace(root)) {
         return Failed<SampleResult>(*finding);
     }
-    const bool made = !root.empty() && mkdir(root.c_str(), 0777) == 0;
+    bool made = false;
     try {
+        made = MakePlace(root);
         SampleResult result = Build(root);
         result.root = root;
         std::vector<Finding> warnings;
@@ -206,6 +224,10 @@ Report<SampleResult> MakeSample(const std::string& root) {
             (void)rmdir(root.c_str()); // what stays behind is an empty folder
         }
         const char* left = failure.cleared ? "nothing of it was left" : "what was written of it is still there";
+        if (failure.error == EINTR) {
+            return Failed<SampleResult>(
+                Incomplete("interrupted", "the work was interrupted, and " + std::string(left) + "; run it again"));
+        }
         return Failed<SampleResult>({"write-failed", ExitCode::kIncomplete,
                                      "the sample card could not be written at " + Quoted(failure.path) + " (" +
                                          std::strerror(failure.error) + "), and " + left +

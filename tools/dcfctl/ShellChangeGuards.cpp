@@ -54,6 +54,26 @@ Doomed DoomedBefore(const ShellState& state, const std::vector<int>& selection, 
     return doomed;
 }
 
+/// A folder that the card has lost drops out of the list while the set is deleted, and what is selected behind it meets
+/// other files. That a set which itself empties a folder does so too is how the operation is.
+std::optional<Finding> CheckFoldersPassed(const ShellState& state, const Operation& operation, int largest) {
+    std::set<std::string> passed;
+    for (int position = 0; position < largest; ++position) {
+        passed.insert(SplitPath(ItemAt(state, position).m_strURI).folder);
+    }
+    passed.erase(SplitPath(ItemAt(state, largest).m_strURI).folder);
+    for (const std::string& folder : passed) {
+        const std::string path = DcimOf(state.listedRoot) + "/" + folder;
+        if (FolderContents(path, folder == kCamera).Names().empty()) {
+            return Refusal(operation, "folder-lost-files",
+                           "the files of " + Quoted(path) +
+                               " are no longer on the card, so what is selected behind them would be taken for other "
+                               "files; Create and Listup list anew");
+        }
+    }
+    return std::nullopt;
+}
+
 /// Folders of one number, of which more than the allowed count are there.
 std::optional<std::vector<std::string>> CrowdedNumber(const std::vector<std::string>& names, bool camera,
                                                       std::size_t allowed) {
@@ -99,16 +119,19 @@ std::vector<std::string> NamesAfterRenumbering(const std::string& root, bool cam
 
 } // namespace
 
-std::optional<Finding> CheckCursorAfterwards(const ShellState& state, const Operation& operation) {
+std::optional<Finding> CheckSetDeletion(const ShellState& state, const Operation& operation) {
     const std::vector<int> selection = state.list->GetSelectIndecies();
     const int smallest = *std::min_element(selection.begin(), selection.end());
+    if (auto finding = CheckFoldersPassed(state, operation, *std::max_element(selection.begin(), selection.end()))) {
+        return finding;
+    }
     // A folder that has lost its files behind the list's back goes with all its positions.
     for (const auto& [folder, doomed] : DoomedBefore(state, selection, smallest)) {
         const std::string path = DcimOf(state.listedRoot) + "/" + folder;
         const FolderContents contents(path, folder == kCamera);
         const std::vector<std::string>& names = contents.Names();
         if (std::all_of(names.begin(), names.end(),
-                        [&doomed = doomed](const std::string& name) { return doomed.count(name) > 0; })) {
+                        [&doomed = doomed](const std::string& name) { return doomed.contains(name); })) {
             return Refusal(operation, "folder-lost-files",
                            "the files of " + Quoted(path) +
                                " are no longer all on the card, so the cursor would be lost; Create and Listup list "

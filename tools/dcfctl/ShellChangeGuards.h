@@ -10,8 +10,9 @@
 
 namespace dcfctl {
 
-/// DeleteSel moves the cursor to the position before the first selected one: is there a file then?
-[[nodiscard]] std::optional<Finding> CheckCursorAfterwards(const ShellState& state, const Operation& operation);
+/// DeleteSel walks over all folders up to the last selected file, and moves the cursor to the position before the first
+/// selected one: does the card still have those folders, and is there a file for the cursor then?
+[[nodiscard]] std::optional<Finding> CheckSetDeletion(const ShellState& state, const Operation& operation);
 
 /// GetNewFileName puts the file into the first folder of the list: may that be "Camera", which has other names?
 [[nodiscard]] std::optional<Finding> CheckFirstFolder(const ShellState& state, const Operation& operation);

@@ -204,7 +204,7 @@ std::optional<Finding> CheckSelection(const ShellState& state, const Operation& 
         return Refusal(operation, "position-out-of-range",
                        "position " + std::to_string(*beyond) + " is selected and not in the list; deselect it");
     }
-    return CheckCursorAfterwards(state, operation);
+    return CheckSetDeletion(state, operation);
 }
 
 std::optional<Finding> CheckItem(ShellState& state, const Operation& operation, const Arguments& arguments) {

@@ -102,6 +102,7 @@ std::vector<Shot> PairUp(const std::vector<Source>& sources) {
         }
     }
     std::vector<Shot> ordered;
+    ordered.reserve(shots.size());
     for (auto& [place, shot] : shots) {
         ordered.push_back(std::move(shot));
     }

@@ -177,7 +177,7 @@ std::variant<std::vector<FileEntry>, Finding> FindTargets(const CardListing& lis
         return *finding;
     }
     for (const auto& [position, named] : companions) {
-        if (found.count(position) == 0) {
+        if (!found.contains(position)) {
             return CompanionAlone(named, listing.Simple(position));
         }
     }

@@ -203,6 +203,24 @@ TEST(NextName, RefusesADcimThatIsALink) {
     EXPECT_TRUE(fs::is_empty(outside));
 }
 
+TEST(NextName, MakesNoDcimWhereTheRightOneIsNear) {
+    ChangeCard card;
+    card.Put("100PHOTO", {"KVR_0001.JPG"});
+    const std::string source = card.Source("a.jpg", "a");
+    const auto expectRefusal = [&](const std::string& root, const std::string& cure) {
+        const Words before = card.Before();
+        for (const Words& words : {Words{"next-name"}, Words{"next-name", "--dry-run"}, Words{"add", source}}) {
+            const Outcome outcome = clitest::OnCard(root, words, card.Environment());
+            EXPECT_EQ(clitest::kCardUnreadable, outcome.exit) << outcome.Describe();
+            EXPECT_EQ("there is no folder 'DCIM' on the card at '" + root + "'; " + cure, ErrorOf(outcome));
+        }
+        EXPECT_EQ(before, card.Before());
+    };
+    expectRefusal(card.Dcim(), "name the folder above it with --card");
+    fs::rename(card.Dcim(), card.Root() + "/dcim");
+    expectRefusal(card.Root(), "there is a 'dcim' in small letters: rename it to DCIM");
+}
+
 TEST(NextName, IsNeverInCameraWhateverStandsBesideIt) {
     ChangeCard card;
     card.Put("Camera", {"20240501_123456.JPG"});

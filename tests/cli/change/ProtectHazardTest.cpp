@@ -72,17 +72,19 @@ TEST(ProtectHazard, ALinkWouldReachOutsideTheCard) {
 }
 
 TEST(ProtectHazard, ASecondNameOutsideTheCardWouldChangeToo) {
-    ChangeCard card;
-    card.Put("100PHOTO", {"KVR_0001.JPG"});
-    fs::create_hard_link(card.Path("100PHOTO", "KVR_0001.JPG"), card.Root() + "/elsewhere.jpg");
-    const Words before = card.Before();
-    const Outcome outcome = card.Run({"protect", "--all"});
-    EXPECT_EQ(clitest::kRefused, outcome.exit) << outcome.Describe();
-    EXPECT_EQ("'" + card.Path("100PHOTO", "KVR_0001.JPG") +
-                  "' has a second name elsewhere (a hard link), whose protection would change as well; put a copy in "
-                  "its place first",
-              ErrorOf(outcome));
-    EXPECT_EQ(before, card.Before());
+    for (const char* linked : {"KVR_0001.JPG", "KVR_0001.SRW"}) {
+        ChangeCard card;
+        card.Put("100PHOTO", {"KVR_0001.JPG", "KVR_0001.SRW"});
+        fs::create_hard_link(card.Path("100PHOTO", linked), card.Root() + "/elsewhere");
+        const Words before = card.Before();
+        const Outcome outcome = card.Run({"protect", "--all"});
+        EXPECT_EQ(clitest::kRefused, outcome.exit) << outcome.Describe();
+        EXPECT_EQ("'" + card.Path("100PHOTO", linked) +
+                      "' has a second name elsewhere (a hard link), whose protection would change as well; put a copy "
+                      "in its place first",
+                  ErrorOf(outcome));
+        EXPECT_EQ(before, card.Before());
+    }
 }
 
 TEST(ProtectHazard, AFolderThatIsALink) {

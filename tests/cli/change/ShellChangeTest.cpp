@@ -180,7 +180,8 @@ TEST(ShellChange, TellsOfAFolderThatHasLostItsFilesBeforeTheSelectedOnes) {
     person.join();
     EXPECT_EQ(clitest::kRefused, ending.status) << ending.Describe();
     EXPECT_EQ(ErrorLine("line 3: DeleteSel: the files of '" + card.Path("101PHOTO") +
-                        "' are no longer all on the card, so the cursor would be lost; Create and Listup list anew"),
+                        "' are no longer on the card, so what is selected behind them would be taken for other files; "
+                        "Create and Listup list anew"),
               ending.err);
     EXPECT_EQ("GetCount = 3", clitest::Lines(ending.out).back());
     EXPECT_TRUE(card.Holds("100PHOTO", "KVR_0001.JPG"));

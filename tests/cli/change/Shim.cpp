@@ -110,6 +110,9 @@ int fsync(int fd) {
     if (Asked("fail-fsync")) {
         return Refuse(EIO);
     }
+    if (Asked("slow-fsync")) {
+        usleep(100000);
+    }
     return Next<int(int)>("fsync")(fd);
 }
 

@@ -2,7 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
+#include <filesystem>
 #include <string>
+#include <system_error>
+#include <thread>
 
 #include "ChangeCard.h"
 #include "Terminal.h"
@@ -12,6 +16,8 @@ using clitest::kEndOfInput;
 using clitest::kInterrupt;
 using clitest::Options;
 using clitest::Words;
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -150,7 +156,7 @@ TEST(Terminal, StopsACopyWhenInterruptedAndCleansUp) {
     EXPECT_EQ(Words{}, card.DirNames());
 }
 
-TEST(Terminal, StopsADeletionBetweenTwoBatchesWhenInterrupted) {
+TEST(Terminal, StopsADeletionBetweenTwoFilesWhenInterrupted) {
     ChangeCard card;
     for (int folder = 100; folder < 108; ++folder) {
         card.Put(dcftest::DirName(folder), {"KVR_0001.JPG"});
@@ -166,6 +172,26 @@ TEST(Terminal, StopsADeletionBetweenTwoBatchesWhenInterrupted) {
     EXPECT_LT(left, 8U);
     for (const std::string& folder : card.DirNames()) {
         EXPECT_TRUE(card.Holds(folder, "KVR_0001.JPG")) << folder;
+    }
+}
+
+TEST(Terminal, LeavesNothingOfASampleThatIsInterrupted) {
+    for (const bool there : {true, false}) {
+        const ChangeCard card;
+        const std::string place = there ? card.Beside() : card.Beside() + "/new";
+        clitest::Terminal terminal({"sample", place}, WithShim(card.Environment(), "slow-fsync"));
+        std::error_code none; // the folder is not there at first
+        for (int wait = 0; wait < 500 && fs::directory_iterator(place, none) == fs::directory_iterator(); ++wait) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        terminal.Type(kInterrupt);
+        EXPECT_EQ(clitest::kIncomplete, terminal.End()) << terminal.Screen();
+        EXPECT_NE(std::string::npos,
+                  terminal.Screen().find("dcfctl: error: the work was interrupted, and nothing of it "
+                                         "was left; run it again"))
+            << terminal.Screen();
+        EXPECT_EQ(there, fs::exists(place));
+        EXPECT_TRUE(fs::is_empty(card.Beside())) << "not even a hidden folder";
     }
 }
 
