@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "DcfNames.h"
+#include "Metadata.h"
 #include "Phrases.h"
 #include "Rehearsal.h"
 #include "Targets.h"
@@ -118,7 +119,7 @@ std::vector<BrowseRow> BrowseModel::Rows(int from, int count) {
 /// The first conversion of a file stores its metadata, and the next one carries it.
 BrowseFacts BrowseModel::Photo() const {
     BrowseFacts facts;
-    if (!CanCollectPhotoFacts() || m_cursor < 0 || CheckThere().has_value()) {
+    if (ExifCollector() == nullptr || m_cursor < 0 || CheckThere().has_value()) {
         return facts;
     }
     const auto read = [&] {
