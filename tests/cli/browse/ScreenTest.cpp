@@ -262,7 +262,7 @@ TEST(APicture, IsDrawnInAsciiWhereThatIsAllThereIs) {
     options.environment["LC_ALL"] = "C";
     Playback playback(SampleCard(card), options);
     ASSERT_TRUE(playback.IsAt(0));
-    const auto drawn = [&] { return playback.Line(15).find_first_not_of(' ', 50) != std::string::npos; };
+    const auto drawn = [&] { return playback.Line(17).find_first_not_of(' ', 50) != std::string::npos; };
     EXPECT_TRUE(playback.Comes(drawn)) << playback.Text();
     EXPECT_EQ(playback.Text().find("\xe2\x96"), std::string::npos) << "no blocks\n" << playback.Text();
 }
