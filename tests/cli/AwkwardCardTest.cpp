@@ -70,6 +70,17 @@ TEST(SharedNumber, ShowsAFileElsewhereWithoutAWordAboutIt) {
     EXPECT_NE(part.out.find("  details    not to be had\n"), std::string::npos);
 }
 
+TEST(SharedNumber, TakesNothingFromTheBarePathsWhichNeedNoLookUp) {
+    Card card;
+    card.AddFile("100AAAAA", "KVR_0001.JPG").AddFile("100BBBBB", "KVR_0002.JPG");
+    EXPECT_EQ(OnCard(card.Root(), {"ls"}).exit, clitest::kPartial);
+    for (const char* bare : {"--paths", "--null"}) {
+        const Outcome run = OnCard(card.Root(), {"ls", bare});
+        EXPECT_EQ(run.exit, clitest::kSuccess) << bare;
+        EXPECT_EQ(run.err, "") << bare;
+    }
+}
+
 TEST(SharedNumber, CountsTheOtherNumbersThatAreShared) {
     Card card;
     for (const char* number : {"100", "101", "102"}) {

@@ -125,6 +125,9 @@ Report<ListResult> List(const CardOptions& card, const ListOptions& options) {
             result.files.push_back(std::move(entry));
         }
     }
+    if (options.pathsOnly) {
+        return {std::move(result), std::nullopt, listing.WarningsWithoutDetails()};
+    }
     listing.AddDetails(result.files);
     if (options.metadata) {
         listing.AddMetadata(result.files);

@@ -155,6 +155,7 @@ ExitCode RunVerb(const CLI::App& app, Request& request, Renderer& renderer, Outp
     const auto type = TypeFromText(request.type);
     if (app.got_subcommand("ls")) {
         request.list.type = type;
+        request.list.pathsOnly = request.paths || request.nul;
         if (const auto limit = WholeNumber(request.limit)) {
             request.list.limit = static_cast<std::uint64_t>(*limit);
         }
