@@ -245,6 +245,7 @@ TEST_F(Metadata, OfCameraFilesWithOneNumberIsShownOfTheFirstAlone) {
     const Outcome run = Run({"ls", "--metadata", "--json"});
     EXPECT_EQ(run.exit, clitest::kPartial) << run.Describe();
     const Json json = Json::parse(run.out);
+    ASSERT_EQ(json["warnings"].size(), 1U);
     EXPECT_EQ(json["warnings"][0]["cause"], "metadata-missing");
     ASSERT_EQ(json["files"].size(), 3U);
     EXPECT_EQ(json["files"][0]["metadata"]["iso"], 111);
@@ -269,7 +270,9 @@ TEST_F(Metadata, OfHostileFilesIsNoneAndEverythingElseStays) {
     const Outcome run = Run({"ls", "--metadata", "--json"});
     EXPECT_EQ(run.exit, clitest::kSuccess) << run.Describe();
     EXPECT_EQ(run.err, "");
-    for (const Json& file : Json::parse(run.out)["files"]) {
+    const Json files = Json::parse(run.out)["files"];
+    ASSERT_EQ(files.size(), 4U);
+    for (const Json& file : files) {
         EXPECT_TRUE(file["metadata"].is_null());
         EXPECT_FALSE(file["protected"].is_null());
     }

@@ -218,11 +218,11 @@ NamedTexts MetadataTexts(const DcfExifInfo& info) {
             {"altitude", AltitudeText(info)}};
 }
 
-Json ExifJson(const std::optional<DcfExifInfo>& from) {
-    if (!from.has_value()) {
+Json ExifJson(const std::optional<DcfExifInfo>& metadata) {
+    if (!metadata.has_value()) {
         return {};
     }
-    const DcfExifInfo& info = *from;
+    const DcfExifInfo& info = *metadata;
     constexpr double kHundredths = 100;
     constexpr double kMillionths = 1e6;
     const auto positive = [](std::int32_t value) { return Number(value, value > 0, kHundredths); };

@@ -23,7 +23,7 @@ using NamedTexts = std::vector<std::pair<const char*, std::string>>;
 [[nodiscard]] NamedTexts MetadataTexts(const DcfExifInfo& info);
 
 /// Every field by its name, null where it is unknown; null for no metadata.
-[[nodiscard]] Json ExifJson(const std::optional<DcfExifInfo>& info);
+[[nodiscard]] Json ExifJson(const std::optional<DcfExifInfo>& metadata);
 
 } // namespace dcfctl
 
