@@ -57,7 +57,7 @@ struct ListOptions {
     std::optional<eFileType> type;
     std::string directory; ///< Name or number; empty for all.
     std::optional<std::uint64_t> limit;
-    bool metadata = false; ///< What the pictures tell, too.
+    bool metadata = false;  ///< What the pictures tell, too.
     bool pathsOnly = false; ///< Nothing is asked for that takes a look-up of each file.
 };
 

@@ -39,7 +39,8 @@ public:
     ~Playback();
 
     void Type(const std::string& keys);
-    /// Waits until the text stands on the screen, in one line or, at its blanks, in several. @return whether it did within ten seconds.
+    /// Waits until the text stands on the screen, in one line or, at its blanks, in several. @return whether it did
+    /// within ten seconds.
     [[nodiscard]] bool Shows(const std::string& text);
     /// Waits until it stands there no more.
     [[nodiscard]] bool Hides(const std::string& text);
