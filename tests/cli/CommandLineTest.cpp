@@ -98,6 +98,7 @@ TEST(CommandLine, ShowsItsHelp) {
                                  "Exit codes:\n  0  Everything was done.\n"}) {
             EXPECT_NE(run.out.find(part), std::string::npos) << part << "\n" << run.out;
         }
+        EXPECT_EQ(run.out.find("Subcommands"), std::string::npos) << "every verb has its group\n" << run.out;
     }
 }
 

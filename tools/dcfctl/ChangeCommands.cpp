@@ -21,6 +21,7 @@ constexpr const char* kOptional = "optional";
 CLI::App* AddVerb(CLI::App& app, const char* name, const char* help, bool& json) {
     CLI::App* verb = app.add_subcommand(name, help);
     verb->add_flag("--json", json, "One JSON document instead of text");
+    verb->group("Verbs that change the card and name new files");
     verb->fallthrough(); // --card may stand behind the verb
     return verb;
 }

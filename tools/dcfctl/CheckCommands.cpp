@@ -18,6 +18,7 @@ void AddCheckVerbs(CLI::App& app, CheckRequest& request, bool& json, bool& noCam
     for (CLI::App* verb : {check, explain}) {
         verb->add_flag("--json", json, "One JSON document instead of text");
         verb->add_flag("--no-camera", noCamera, "Leave the \"Camera\" folder out");
+        verb->group("Verbs");
         verb->fallthrough(); // --card may stand behind the verb
     }
 }
