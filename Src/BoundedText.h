@@ -56,9 +56,16 @@ void CopyField(char (&out)[Size], const char (&field)[Size]) {
 /// before it, anything after it is ignored); 0 where there is none.
 template <std::size_t Width>
 int ReadNumber(const char* text) {
-    char field[Width + 1];
-    CopyText(field, text);
-    return static_cast<int>(std::strtol(field, nullptr, 10));
+    int number = 0; // digits alone, as nearly every name has them, need no library function
+    for (std::size_t i = 0; i < Width; ++i) {
+        if (text[i] < '0' || text[i] > '9') {
+            char field[Width + 1];
+            CopyText(field, text);
+            return static_cast<int>(std::strtol(field, nullptr, 10));
+        }
+        number = number * 10 + (text[i] - '0');
+    }
+    return number;
 }
 
 /// The rest of a text from an offset on, empty where the text is shorter.
