@@ -48,41 +48,49 @@ copy_modules() {
     cp "$1"/modules.builtin "$2/"
 }
 
-# fetch_machine: makes kernel and base file system, if they are not there. Returns 1, having said why, if it cannot.
-fetch_machine() {
-    if cat scripts/cards/init scripts/cards/machine.sh | cmp -s - "$CARD_CACHE/recipe"; then return 0; fi
-    local work meta package version root applet
-    mkdir -p "$CARD_CACHE" || return 1
-    work=$(mktemp -d "$CARD_CACHE/making.XXXXXX") || return 1
-    meta=$(packages cards-kernel)
-    # The package that follows the newest kernel names that kernel.
-    package=$(apt-cache depends "$meta" 2>/dev/null | sed -n 's/^ *Depends: \(linux-image-[0-9].*\)/\1/p' | head -n 1)
-    if [ ! -s "$CARD_CACHE/kernel.deb" ]; then
-        if ! (cd "$work" && apt-get -qq download "${package:-$meta}" >&2); then
-            rm -rf "$work"
-            return 1
-        fi
-        mv "$work"/*.deb "$CARD_CACHE/kernel.deb"
-    fi
-    dpkg-deb -x "$CARD_CACHE/kernel.deb" "$work/package" || return 1
-    version=$(basename "$work"/package/lib/modules/*)
-    root=$work/root
+# make_base PACKAGE FILE: the file system that the machine starts with, from an unpacked kernel package.
+make_base() {
+    local root=$1.base version applet
+    version=$(basename "$1"/lib/modules/*)
     mkdir -p "$root"/{bin,sbin,dev,etc,mnt,proc,sys,run,tmp,card,"lib/modules/$version"}
     cp "$BUSYBOX" "$root/bin/busybox"
     for applet in $("$BUSYBOX" --list | grep -vx busybox); do ln -s busybox "$root/bin/$applet"; done
     ln -s ../bin/busybox "$root/sbin/modprobe" # the kernel asks there for the tables of characters
-    copy_modules "$work/package/lib/modules/$version" "$root/lib/modules/$version"
+    copy_modules "$1/lib/modules/$version" "$root/lib/modules/$version"
     "$BUSYBOX" depmod -b "$root" "$version"
     printf 'root:x:0:0:root:/:/bin/sh\n' >"$root/etc/passwd"
     printf 'root:x:0:\n' >"$root/etc/group"
     cp scripts/cards/init "$root/init"
     chmod 755 "$root/init"
-    pack "$root" >"$work/base"
-    cp "$work"/package/boot/vmlinuz-* "$work/kernel"
-    cat scripts/cards/init scripts/cards/machine.sh >"$work/recipe"
-    mv "$work/base" "$work/kernel" "$CARD_CACHE/"
-    mv "$work/recipe" "$CARD_CACHE/" # last: it says that the rest is there
+    pack "$root" >"$2"
+}
+
+# fetch_kernel FOLDER: the newest kernel's package into it.
+fetch_kernel() {
+    local meta package
+    meta=$(packages cards-kernel)
+    # This package is empty and names that kernel.
+    package=$(apt-cache depends "$meta" 2>/dev/null | sed -n 's/^ *Depends: \(linux-image-[0-9].*\)/\1/p' | head -n 1)
+    (cd "$1" && apt-get -qq download "${package:-$meta}" >&2)
+}
+
+# The recipe of what is kept; another one makes it anew.
+recipe() { cat scripts/cards/init scripts/cards/machine.sh; }
+
+# fetch_machine: makes kernel and base file system, if they are not there. Returns 1 if it cannot.
+fetch_machine() {
+    if recipe | cmp -s - "$CARD_CACHE/recipe"; then return 0; fi
+    local work done=1
+    mkdir -p "$CARD_CACHE" && work=$(mktemp -d "$CARD_CACHE/making.XXXXXX") || return 1
+    if [ ! -s "$CARD_CACHE/kernel.deb" ] && fetch_kernel "$work"; then mv "$work"/*.deb "$CARD_CACHE/kernel.deb"; fi
+    # The recipe last: it says that the rest is there.
+    if dpkg-deb -x "$CARD_CACHE/kernel.deb" "$work/package" && make_base "$work/package" "$work/base" &&
+        mv "$work"/package/boot/vmlinuz-* "$CARD_CACHE/kernel" && mv "$work/base" "$CARD_CACHE/base" &&
+        recipe >"$work/recipe" && mv "$work/recipe" "$CARD_CACHE/recipe"; then
+        done=0
+    fi
     rm -rf "$work"
+    return "$done"
 }
 
 # make_card FILE FAT32|EXFAT MEGABYTES CLUSTER-KIB: an empty card; the file is sparse.
@@ -140,11 +148,13 @@ boot() {
         cards+=(-drive "file=$card,format=raw,if=virtio,cache=unsafe")
     done
     rm -f "$report"
-    timeout --kill-after=10 "$limit" qemu-system-x86_64 -no-user-config -nodefaults -display none -no-reboot \
-        -accel tcg -machine q35 -cpu max -m 768 "${clock[@]}" \
+    # In the foreground of its group, so that whoever ends the group ends it, too.
+    timeout --foreground --kill-after=10 "$limit" qemu-system-x86_64 -no-user-config -nodefaults -display none -no-reboot \
+        -accel tcg -machine q35 -cpu max -m 512 "${clock[@]}" \
         -kernel "$CARD_CACHE/kernel" -initrd "$disk" -append "console=ttyS0 panic=-1 quiet mitigations=off" \
         -serial "file:$report.console" "${cards[@]}" -device virtio-serial-pci \
         -chardev "file,id=report,path=$report" -device virtserialport,nr=1,chardev=report \
-        </dev/null >"$report.qemu" 2>&1 || true
+        </dev/null >"$report.qemu" 2>&1 &
+    wait $! || true
     tail -n 1 "$report" 2>/dev/null | grep -q '^machine: ended with '
 }

@@ -2,7 +2,11 @@
 #include <fcntl.h>
 #include <linux/msdos_fs.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
 
 #include "MountedCard.h"
 
@@ -44,6 +48,28 @@ const MountRow kForgetting[] = {
     {"umask=0,quiet", 0777, 0555, true},
     {"umask=0,rodir", 0777, 0555, true},
 };
+
+/// Whether the driver itself can end the protection of a file that it has read from the card as protected. The exFAT of
+/// Linux 6.1 forgets that, FAT does not.
+bool DriverEndsProtection(const Card& card, const std::function<void()>& reinsert) {
+    const std::string path = card.Root() + "/probe";
+    const auto require = [](bool done) {
+        if (!done) {
+            throw std::system_error(errno, std::generic_category(), "probe");
+        }
+    };
+    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+    require(fd >= 0 && ::close(fd) == 0);
+    struct stat status {};
+    require(::stat(path.c_str(), &status) == 0);
+    const mode_t writable = status.st_mode & 07777U;
+    require(::chmod(path.c_str(), writable & ~0222U) == 0);
+    reinsert();
+    require(::chmod(path.c_str(), writable) == 0);
+    reinsert();
+    require(::stat(path.c_str(), &status) == 0 && ::unlink(path.c_str()) == 0);
+    return (status.st_mode & 07777U) == writable;
+}
 
 class MountProtection : public MountedCardTest, public testing::WithParamInterface<MountRow> {
 protected:
@@ -95,6 +121,15 @@ TEST_P(HoldingMount, KeepsProtectionOfFileAndCompanionOnTheCard) {
     item = ItemOf(0);
     EXPECT_EQ(list->Delete(&item), -1);
     EXPECT_TRUE(card->Exists("100ABCDE", DcfName(2)));
+}
+
+TEST_P(HoldingMount, EndsProtectionOfWhatWasProtectedUnderIt) {
+    if (notForThis) {
+        return;
+    }
+    CSFileListItem item = ItemOf(0);
+    EXPECT_EQ(list->SetProtect(&item, true), 0);
+    EXPECT_EQ(ModeOf(2), GetParam().readOnly);
     EXPECT_EQ(list->SetProtect(&item, false), 0);
     Reinsert();
     EXPECT_EQ(ModeOf(2), GetParam().ordinary);
@@ -103,6 +138,24 @@ TEST_P(HoldingMount, KeepsProtectionOfFileAndCompanionOnTheCard) {
     item = ItemOf(0);
     EXPECT_EQ(list->Delete(&item), 0);
     EXPECT_EQ(card->Names("100ABCDE"), (Texts{DcfName(1)}));
+}
+
+TEST_P(HoldingMount, EndsProtectionFromAnEarlierMountAsFarAsTheDriverDoes) {
+    if (notForThis) {
+        return;
+    }
+    const bool lasts = DriverEndsProtection(*card, [&] { Mount(GetParam().options); });
+    EXPECT_TRUE(lasts || !IsFat());
+    ASSERT_EQ(List(), 2);
+    CSFileListItem item = ItemOf(0);
+    EXPECT_EQ(list->SetProtect(&item, true), 0);
+    Reinsert();
+    item = ItemOf(0);
+    EXPECT_EQ(list->SetProtect(&item, false), 0);
+    EXPECT_EQ(ModeOf(2), GetParam().ordinary) << "until the kernel forgets the file";
+    Reinsert();
+    EXPECT_EQ(ModeOf(2), lasts ? GetParam().ordinary : GetParam().readOnly);
+    EXPECT_EQ(Protected(0), !lasts);
 }
 
 TEST_P(ForgettingMount, TakesProtectionAndForgetsIt) {
@@ -194,9 +247,9 @@ TEST_F(ProtectedFile, CanBeUnprotectedTogetherWithAllOthers) {
     ASSERT_EQ(List(), 2);
     EXPECT_TRUE(Protected(0) && Protected(1));
     EXPECT_EQ(list->SetProtectAll(false), 0);
-    Mount("");
     ASSERT_EQ(List(), 2);
     EXPECT_FALSE(Protected(0) || Protected(1));
+    EXPECT_EQ(card->Mode("100ABCDE", DcfName(1)), 0755U);
 }
 
 TEST_F(ProtectedFile, IsFlippedInASelection) {
