@@ -135,7 +135,7 @@ make_disk() {
 }
 
 # boot DISK REPORT SECONDS [ICOUNT] CARD...: runs the machine to its end with these cards as /dev/vda, /dev/vdb and so on.
-# What /payload/run printed is in REPORT. Returns 1 when the machine did not come to its end.
+# What /payload/run printed is in REPORT, with "machine: ended with" as its last line if the machine came to its end.
 boot() {
     local disk=$1 report=$2 limit=$3 clock=() cards=() card
     shift 3
@@ -156,5 +156,4 @@ boot() {
         -chardev "file,id=report,path=$report" -device virtserialport,nr=1,chardev=report \
         </dev/null >"$report.qemu" 2>&1 &
     wait $! || true
-    tail -n 1 "$report" 2>/dev/null | grep -q '^machine: ended with '
 }

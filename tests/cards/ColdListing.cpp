@@ -71,18 +71,22 @@ int InTheOrderOfTheList(const char* root, int count) {
     return found;
 }
 
+void Print(const char* way, const char* root, int count, const std::function<int()>& work) {
+    std::printf("%s %d %ld\n", way, count, PerFile(root, count, work));
+    (void)std::fflush(stdout); // the next one may take minutes
+}
+
 } // namespace
 
 int main() {
+    using dcftest::kLargeCount;
+    using dcftest::kLargeRoot;
+    using dcftest::kSmallCount;
+    using dcftest::kSmallRoot;
     try {
-        for (const auto& [root, count] : {std::pair(dcftest::kSmallRoot, dcftest::kSmallCount),
-                                          std::pair(dcftest::kLargeRoot, dcftest::kLargeCount)}) {
-            std::printf("library %d %ld\n", count, PerFile(root, count, [&] { return ByTheLibrary(root); }));
-            (void)std::fflush(stdout);
-        }
-        std::printf("list-order %d %ld\n", dcftest::kSmallCount, PerFile(dcftest::kSmallRoot, dcftest::kSmallCount, [] {
-                        return InTheOrderOfTheList(dcftest::kSmallRoot, dcftest::kSmallCount);
-                    }));
+        Print("library", kSmallRoot, kSmallCount, [] { return ByTheLibrary(kSmallRoot); });
+        Print("library", kLargeRoot, kLargeCount, [] { return ByTheLibrary(kLargeRoot); });
+        Print("list-order", kSmallRoot, kSmallCount, [] { return InTheOrderOfTheList(kSmallRoot, kSmallCount); });
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", error.what());
         return 1;

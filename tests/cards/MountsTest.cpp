@@ -83,6 +83,29 @@ TEST_F(ShortNames, InSmallLettersMakeEveryListingRecordInAFurtherDirectory) {
     EXPECT_EQ(NextName(), "102PHOTO/KVR_0002.JPG") << "as it is to be";
 }
 
+TEST_F(ShortNames, AreFoundByAMountThatTellsCasesApartUnlessItMakesThemSmall) {
+    if (!IsFat()) {
+        EXPECT_THROW(Mount("check=s"), std::system_error);
+        return;
+    }
+    card->AddFiles("100PHOTO", {DcfName(3), "kvr_0002.jpg", "kvr_0001.jpg"});
+    Mount("check=s");
+    ASSERT_EQ(List(), 3);
+    EXPECT_EQ(list->SetProtectAll(true), 0);
+    CSFileListItem item = ItemOf(2);
+    EXPECT_EQ(list->SetProtect(&item, false), 0);
+    item = ItemOf(2);
+    EXPECT_EQ(list->Delete(&item), 0);
+    Mount("");
+    const Texts left = {"100PHOTO/ 0755", "100PHOTO/KVR_0003.JPG 0555", "100PHOTO/kvr_0002.jpg 0555"};
+    EXPECT_EQ(CardTexts(*card), left) << "a small name has a short form in capitals";
+
+    Mount("shortname=lower,check=s");
+    EXPECT_EQ(List(), 0) << "even \"DCIM\" is not found";
+    Mount("");
+    EXPECT_EQ(CardTexts(*card), left) << "nor made a second time";
+}
+
 class CardTimes : public MountedCardTest {
 protected:
     /// The listed time of a file that was given that time.
