@@ -66,13 +66,23 @@ result() {
     fi
     printf '%s: %s\n' "$1" "$2"
 }
-pass() { result passed "$1"; }
-skip() { result skipped "$1"; }
+PASSES=0
+pass() {
+    PASSES=$((PASSES + 1))
+    result passed "$1"
+}
+SKIPS=0
+skip() {
+    SKIPS=$((SKIPS + 1))
+    result skipped "$1"
+}
 FAILURES=0
 fail() {
     FAILURES=$((FAILURES + 1))
     result failed "$1"
 }
+# How many there were, for checks with so many that nobody counts them.
+figures() { printf '%d passed, %d failed, %d skipped\n' "$PASSES" "$FAILURES" "$SKIPS"; }
 # The last command of every check.
 conclude() { [ "$FAILURES" -eq 0 ]; }
 
