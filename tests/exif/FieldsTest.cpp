@@ -277,9 +277,17 @@ TEST_F(ExifFields, PositionIsKnownWhenBothItsHalvesAre) {
          },
          52525000, 13405100, "minutes"},
         {[](ExifBuilder& exif) {
-             exif.Ratio(kGps, 2, {{52, 1}, {60, 1}, {0, 1}});
+             exif.Ratio(kGps, 2, {{52, 1}, {61, 1}, {0, 1}});
          },
-         0, 0, "60 minutes"},
+         0, 0, "61 minutes"},
+        {[](ExifBuilder& exif) {
+             exif.Ratio(kGps, 4, {{13, 1}, {5, 1}, {60, 1}});
+         },
+         52520000, 13100000, "60 seconds, as a writer leaves them that rounds up"},
+        {[](ExifBuilder& exif) {
+             exif.Ratio(kGps, 4, {{13, 1}, {5, 1}, {6001, 100}});
+         },
+         0, 0, "more than 60 seconds"},
         {[](ExifBuilder& exif) {
              exif.Ratio(kGps, 2, {{52, 1}, {31, 1}, {0, 0}});
          },

@@ -132,6 +132,24 @@ TEST_F(ExifFiles, RawFileTellsTheSizeOfItsLargestPicture) {
     }
 }
 
+TEST_F(ExifFiles, DirectoriesMayBeNamedByATypeOfTheirOwn) {
+    // TIFF has one for offsets of directories, besides the ordinary number that most writers take.
+    constexpr std::uint32_t kOffset = 13;
+    for (const ByteOrder order : kByteOrders) {
+        ExifBuilder raw = Raw(order);
+        raw.Without(kExif, 0xa002).Short(kBelow, 0x0100, {6000}).Short(kBelow, 0x0101, {4000});
+        ExifBuilder named = raw;
+        for (const auto& [directory, tag] : {std::pair{kExif, 0x8769U}, {kGps, 0x8825U}, {kBelow, 0x014aU}}) {
+            named.Entry(kImage, tag, kOffset, 1, raw.OffsetOf(directory));
+        }
+        const DcfExifInfo fields = Collect(named.Build()).Fields();
+        EXPECT_EQ(fields.iso, 400U);
+        EXPECT_TRUE(fields.hasPosition);
+        EXPECT_EQ(fields.width, 6000);
+        EXPECT_TRUE(CollectJpeg(named).Fields().hasPosition);
+    }
+}
+
 TEST_F(ExifFiles, RawFileMayHaveItsExifFarBehindThePixels) {
     for (const ByteOrder order : kByteOrders) {
         ExifBuilder builder(order);
