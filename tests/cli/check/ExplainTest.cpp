@@ -1,6 +1,9 @@
 // explain: where one file or folder stands, or why it does not; also for a name that is not on the card.
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <filesystem>
 
 #include "CheckedCard.h"
@@ -133,6 +136,26 @@ TEST(Explain, TellsWhatWouldBecomeOfAFolderThatIsNotThere) {
     EXPECT_EQ((Words{"shared-folder-number"}), Codes(card.Explain("100ZZZZZ")));
     EXPECT_EQ((Words{"folder-number-range"}), Codes(card.Explain("DCIM/099PHOTO")));
     EXPECT_FALSE(fs::exists(card.Path("102PHOTO")));
+}
+
+TEST(Explain, IsNotSureOfANameThatMayLieInAFolderThatCannotBeRead) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "runs the tool as another user, which only root can";
+    }
+    ExplainCard card;
+    chmod(card.Path("100PHOTO").c_str(), 0700);
+    chmod(card.Root().c_str(), 0755);
+    clitest::Options nobody;
+    nobody.user = 65534;
+    const auto explained = [&](const char* what) { return OnCard(card.Root(), {"explain", what}, nobody); };
+    const Outcome outcome = explained("KVR_0007.JPG");
+    EXPECT_EQ(clitest::kPartial, outcome.exit);
+    EXPECT_EQ(clitest::WarningLine("the folder '100PHOTO' cannot be read (Permission denied), its files are missing "
+                                   "from the list; check its permissions and the card"),
+              outcome.err);
+    EXPECT_EQ(clitest::kSuccess, explained("KVR_0001.JPG").exit) << "that one is there";
+    EXPECT_EQ(clitest::kSuccess, explained("101PHOTO/KVR_0007.JPG").exit) << "and that one is not";
+    EXPECT_EQ(clitest::kPartial, explained("notes.txt").exit) << "although it would be left out elsewhere";
 }
 
 TEST(Explain, RefusesWhatHasNoPlaceOnTheCard) {
