@@ -302,11 +302,14 @@ std::vector<CheckFinding> AllLeftOut(const CardCheck& check) {
         findings.push_back(WhyLeftOut(check, entry));
     }
     for (std::size_t folder = 0; folder < check.Entries().folders.size(); ++folder) {
+        const auto begin = static_cast<std::ptrdiff_t>(findings.size());
         for (std::size_t entry = 0; entry < check.Entries().folders[folder].entries.size(); ++entry) {
             if (auto finding = WhyLeftOut(check, folder, entry)) {
                 findings.push_back(std::move(*finding));
             }
         }
+        std::sort(findings.begin() + begin, findings.end(),
+                  [](const CheckFinding& a, const CheckFinding& b) { return a.path < b.path; });
     }
     return findings;
 }

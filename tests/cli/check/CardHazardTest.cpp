@@ -80,6 +80,10 @@ TEST(CardHazard, ALastFolderOfAnotherKindTakesNoNewFiles) {
     const Json json = card.Check();
     EXPECT_EQ((Words{"numbers-used-up"}), clitest::Codes(json));
     EXPECT_EQ(0, json["figures"]["numbers_left"]);
+    EXPECT_EQ("the newest file has the number 999-0001 and 0 numbers are left, because '999_0501' is the last folder "
+              "and not named as new ones are, such as '999PHOTO'; then no file can be added until the folders are "
+              "renumbered, which would give 1 folder the number 100",
+              MessageOf(json, "numbers-used-up"));
 }
 
 TEST(CardHazard, NumbersOfTheFolderBeforeTheLastRunOn) {

@@ -103,6 +103,18 @@ TEST(Hazard, ADeletionThatLeavesACompanionBehind) {
                  {"companion-prefix"});
 }
 
+TEST(Hazard, ADeletionInCameraIsNotCuredByAName) {
+    CheckedCard card; // the two have the same one up to the extension
+    card.Put("Camera", {"20240501_123456.JPG", "20240501_123456.SRW"});
+    const Json json = card.Check();
+    EXPECT_EQ((Words{"Camera/20240501_123456.JPG: '20240501_123456.SRW' belongs to it by its number and would stay"}),
+              Of(json, "deletion-leaves-companion"));
+    for (const Json& finding : json["findings"]) {
+        const bool told = finding["cure"].get<std::string>().find("move both") != std::string::npos;
+        EXPECT_TRUE(told || finding["severity"] == "note") << finding;
+    }
+}
+
 TEST(Hazard, AMovieAndAPhotoOfOneNumber) {
     CheckedCard card;
     card.Put("100PHOTO",
