@@ -41,7 +41,7 @@ const CheckCodeRow kCheckCodes[] = {
      "rename it to Camera, with one capital"},
     {CheckCode::kCameraNotAsked, "camera-not-asked", kNote, "'Camera' was left out as asked",
      "leave --no-camera away to have it listed"},
-    {CheckCode::kHiddenFile, "hidden-file", kLeftOut, "It is a hidden file, as computers leave them behind",
+    {CheckCode::kHiddenFile, "hidden-file", kLeftOut, "It is hidden, as computers and phones leave files behind",
      "nothing is lost; delete it on a computer if it is not wanted"},
     {CheckCode::kFolderInFolder, "folder-in-folder", kLeftOut, "It is a folder inside a folder",
      "move its pictures up into the folder, or into a folder of their own in 'DCIM'"},

@@ -122,6 +122,18 @@ TEST(LeftOut, CameraInAnotherSpelling) {
                {"CAMERA: the list knows the folder 'Camera' in this spelling alone; it is empty"}, "1 0 0 1");
 }
 
+TEST(LeftOut, HiddenFoldersAreNotToBeNamedLikeFoldersOfPictures) {
+    CheckedCard card;
+    card.Put("100PHOTO", {"KVR_0001.JPG"}).Make({"100PHOTO/.trash"}).Put(".thumbnails", {"1.jpg"}).Make({".Trashes"});
+    ExpectOnly(
+        card, "hidden-file",
+        {".Trashes: it is a hidden folder, as computers and phones leave them behind; it is empty",
+         ".thumbnails: it is a hidden folder, as computers and phones leave them behind; with it 1 entry is left "
+         "out, 1 of which looks like a picture or movie",
+         "100PHOTO/.trash: it is a hidden folder, as computers and phones leave them behind"},
+        "4 1 0 3", {"renumber-takes-along"});
+}
+
 TEST(LeftOut, CameraAsAskedIsANoteAndCountsAsOneEntry) {
     CheckedCard card;
     card.Put("100PHOTO", {"KVR_0001.JPG"}).Put("Camera", {"20240501_123456.JPG"});
