@@ -155,7 +155,7 @@ bool TiffReader::Take(const Directory& directory, bool gps, TiffFields& fields) 
     for (const Entry& entry : directory.entries) {
         const bool wanted = gps ? entry.tag >= EXIF_TAG_GPS_LATITUDE_REF && entry.tag <= EXIF_TAG_GPS_ALTITUDE
                                 : std::find(kWanted.begin(), kWanted.end(), entry.tag) != kWanted.end();
-        if (!wanted || entry.Size() == 0 || entry.type == kDirectoryOffset) {
+        if (!wanted || entry.Size() == 0) {
             continue;
         }
         if (!m_part.Holds(entry.offset, entry.Size())) {
