@@ -178,6 +178,18 @@ TEST(Explain, TellsOfTheCardWhereItCannotBeListed) {
     EXPECT_EQ((Words{"path-cut", "root-too-long"}), Codes(longer.Explain("KVR_0001.JPG")));
 }
 
+TEST(Explain, KeepsToTheEntryWhereTheCardIsListed) {
+    CheckedCard card; // the hazard is the card's
+    const std::string dcim = card.Root() + "/PHOTOS/DCIM";
+    fs::create_directories(dcim + "/100ABCDE");
+    fs::copy_file(card.PutContent("100ABCDE", "KVR_0001.JPG", clitest::ContentFor(".JPG")).Path("100ABCDE") +
+                      "/KVR_0001.JPG",
+                  dcim + "/100ABCDE/KVR_0001.JPG");
+    const Outcome outcome = OnCard(card.Root() + "/PHOTOS", {"explain", "KVR_0001.JPG"});
+    EXPECT_EQ(clitest::kSuccess, outcome.exit);
+    EXPECT_EQ("DCIM/100ABCDE/KVR_0001.JPG\n  is in the list at position 0, with the number 1\n", outcome.out);
+}
+
 TEST(Explain, LeavesCameraOutWhenAsked) {
     ExplainCard card;
     const Json json = card.Explain("Camera", {"--no-camera"});

@@ -239,6 +239,15 @@ TEST(LeftOut, CompanionsThatAreNotAdopted) {
                "2 1 0 1", {"deletion-leaves-companion"});
 }
 
+TEST(LeftOut, ACameraNameWhoseCharactersReadAsTheNumberBefore) {
+    CheckedCard card;
+    card.Put("Camera", {"20240501_12AB56.JPG", "20240501_12CD56.JPG"});
+    ExpectOnly(card, "camera-digits",
+               {"Camera/20240501_12CD56.JPG: characters 10 to 15 of the name are its number, and "
+                "'20240501_12AB56.JPG', which comes just before, has the same one and is listed instead"},
+               "2 1 0 1", {"camera-number-odd"});
+}
+
 TEST(LeftOut, NamesThatCameraDoesNotTake) {
     CheckedCard card;
     card.Put("Camera", {"20240501_123456.MP4", "KVR_0001.JPG", "20240501-ABCDEF.JPG"});
