@@ -123,7 +123,7 @@ std::optional<std::int32_t> Angle(const ExifEntries& entries, std::uint32_t tag,
             return std::nullopt;
         }
         const double value = static_cast<double>(part->numerator) / static_cast<double>(part->denominator);
-        if (i > 0 && value >= 60) {
+        if (i > 0 && value > 60) { // writers that round up do not carry: 5' 60" is common
             return std::nullopt;
         }
         degrees += value / kParts[i];

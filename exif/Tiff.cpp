@@ -23,9 +23,9 @@ enum Tag : std::uint32_t {
     kPictureList = 0xb002,
 };
 
-enum Type : std::uint32_t { kShort = 3, kLong = 4 };
+enum Type : std::uint32_t { kShort = 3, kLong = 4, kDirectoryOffset = 13 };
 
-constexpr std::array<std::uint32_t, 13> kTypeSizes = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8};
+constexpr std::array<std::uint32_t, 14> kTypeSizes = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4};
 
 constexpr std::uint32_t kHeaderSize = 8;
 constexpr std::size_t kEntrySize = 12;
@@ -177,8 +177,8 @@ bool TiffReader::Take(const Directory& directory, bool gps, TiffFields& fields) 
 
 std::optional<std::vector<std::uint32_t>> TiffReader::Numbers(const Entry& entry, std::uint32_t most) const {
     std::string bytes;
-    if ((entry.type != kShort && entry.type != kLong) || entry.count > most ||
-        !m_part.Read(entry.offset, static_cast<std::size_t>(entry.Size()), bytes)) {
+    const bool whole = entry.type == kShort || entry.type == kLong || entry.type == kDirectoryOffset;
+    if (!whole || entry.count > most || !m_part.Read(entry.offset, static_cast<std::size_t>(entry.Size()), bytes)) {
         return std::nullopt;
     }
     const std::size_t size = kTypeSizes[entry.type];

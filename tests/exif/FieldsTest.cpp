@@ -103,7 +103,9 @@ TEST_F(ExifFields, ThatAreNotThereAreUnknown) {
 
 TEST_F(ExifFields, DateIsKnownWhenItIsARealOne) {
     EXPECT_DATE(std::string("1999:12:31 23:59:60\0", 20), "1999:12:31 23:59:60");
-    EXPECT_DATE("2024:05:01 10:20:30", "2024:05:01 10:20:30"); // without its NUL byte
+    EXPECT_DATE("1999:12:31 23:59:59" + std::string(256 - 19, ' '), "1999:12:31 23:59:59");
+    EXPECT_DATE("1999:12:31 23:59:59" + std::string(257 - 19, ' '), ""); // no camera writes that much
+    EXPECT_DATE("2024:05:01 10:20:30", "2024:05:01 10:20:30");           // without its NUL byte
     EXPECT_DATE("2024:05:01 10:20:30XYZ", "2024:05:01 10:20:30");
     EXPECT_DATE(std::string("2024:05:01 10:20:30+02:00\0", 26), "2024:05:01 10:20:30");
     for (const char* text : {"    :  :     :  :  ", "0000:00:00 00:00:00", "2024:13:01 10:20:30", "2024:00:01 10:20:30",
@@ -148,6 +150,10 @@ TEST_F(ExifFields, IsoBeyondSixteenBitsStandsInOneOfThreeOtherFields) {
          },
          800, "the first of several"},
         {[](ExifBuilder& exif) { exif.Long(kExif, 0x8827, {1600}); }, 1600, "LONG for SHORT"},
+        {[](ExifBuilder& exif) {
+             exif.Short(kExif, 0x8827, {65535}).Long(kExif, 0x8832, {102400}).Long(kExif, 0x8833, {204800});
+         },
+         102400, "the recommended index before the speed"},
         {[](ExifBuilder& exif) { exif.Short(kExif, 0x8827, {0}); }, 0, "unknown"},
         {[](ExifBuilder& exif) { exif.Short(kExif, 0x8827, {65535}); }, 65535, "nothing else is told"},
         {[](ExifBuilder& exif) { exif.Short(kExif, 0x8827, {65535}).Long(kExif, 0x8832, {102400}); }, 102400, "index"},
@@ -277,9 +283,17 @@ TEST_F(ExifFields, PositionIsKnownWhenBothItsHalvesAre) {
          },
          52525000, 13405100, "minutes"},
         {[](ExifBuilder& exif) {
-             exif.Ratio(kGps, 2, {{52, 1}, {60, 1}, {0, 1}});
+             exif.Ratio(kGps, 2, {{52, 1}, {61, 1}, {0, 1}});
          },
-         0, 0, "60 minutes"},
+         0, 0, "61 minutes"},
+        {[](ExifBuilder& exif) {
+             exif.Ratio(kGps, 4, {{13, 1}, {5, 1}, {60, 1}});
+         },
+         52520000, 13100000, "60 seconds, as a writer leaves them that rounds up"},
+        {[](ExifBuilder& exif) {
+             exif.Ratio(kGps, 4, {{13, 1}, {5, 1}, {6001, 100}});
+         },
+         0, 0, "more than 60 seconds"},
         {[](ExifBuilder& exif) {
              exif.Ratio(kGps, 2, {{52, 1}, {31, 1}, {0, 0}});
          },

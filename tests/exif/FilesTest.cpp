@@ -75,6 +75,7 @@ TEST_F(ExifFiles, JpegNeedsAFrameAndAScan) {
     EXPECT_TRUE(Collect(start + end).Refused(DCF_EXIF_NONE));
     EXPECT_TRUE(Collect(start + JpegSegment(0xda, "scan") + end).Refused(DCF_EXIF_NONE));
     EXPECT_TRUE(Collect(start + JpegSegment(0xc0, "short") + JpegSegment(0xda, "s") + end).Refused(DCF_EXIF_NONE));
+    EXPECT_TRUE(Collect(start + JpegSegment(0xc8, "reserved") + JpegSegment(0xda, "s") + end).Refused(DCF_EXIF_NONE));
     // Tables are no frame.
     EXPECT_TRUE(Collect(start + JpegSegment(0xc4, "tables") + JpegSegment(0xda, "s") + end).Refused(DCF_EXIF_NONE));
     EXPECT_EQ(Collect(start + JpegSegment(0xc2, "progressive") + JpegSegment(0xda, "s") + end).result, DCF_EXIF_OK);
@@ -112,6 +113,38 @@ TEST_F(ExifFiles, MultiPictureFileTellsOfItsFirstPictureWhenAllAreThere) {
         EXPECT_TRUE(Collect(Mpo(order, 0x00020002, second.size(), "")).Refused(DCF_EXIF_NONE)) << "and is gone";
         EXPECT_EQ(Collect(Mpo(order, 0x00010001, second.size(), "")).Fields().iso, 400U)
             << "a preview may have been taken out";
+        EXPECT_EQ(Collect(Mpo(order, 0x00020002, 4, "\xff\xd8\xff\xd9")).Fields().iso, 400U)
+            << "the first is larger than all that follows its index";
+    }
+}
+
+TEST_F(ExifFiles, MultiPictureIndexNeedNotNamePictures) {
+    ExifBuilder index(ByteOrder::kBig);
+    index.Text(kImage, 0xb000, "0100");
+    EXPECT_EQ(Collect(JpegFile(ExifSegment(OrdinaryExif(ByteOrder::kBig).Build()) +
+                               JpegSegment(0xe2, std::string("MPF\0", 4) + index.Build())))
+                  .Fields()
+                  .iso,
+              400U);
+}
+
+/// A raw file with so many directories below its first one that hold nothing.
+std::string RawWithDirectories(ByteOrder order, std::size_t count) {
+    constexpr std::size_t kEmptyDirectory = 6;
+    const auto with = [&](std::size_t begin) {
+        ExifBuilder::Numbers offsets;
+        for (std::size_t i = 0; i < count; ++i) {
+            offsets.push_back(static_cast<std::uint32_t>(begin + i * kEmptyDirectory));
+        }
+        return OrdinaryExif(order).Long(kImage, 0x014a, offsets).Build();
+    };
+    return with(with(0).size()) + std::string(count * kEmptyDirectory, '\0');
+}
+
+TEST_F(ExifFiles, RawFileMayHaveAsManyDirectoriesAsACameraMakes) {
+    for (const ByteOrder order : kByteOrders) {
+        EXPECT_EQ(Collect(RawWithDirectories(order, 20)).Fields().iso, 400U);
+        EXPECT_TRUE(Collect(RawWithDirectories(order, 32)).Refused(DCF_EXIF_NONE)) << "and no more";
     }
 }
 
@@ -129,6 +162,24 @@ TEST_F(ExifFiles, RawFileTellsTheSizeOfItsLargestPicture) {
         EXPECT_EQ(fields.iso, 400U);
         EXPECT_STREQ(fields.date, "2024:05:01 10:20:30");
         EXPECT_TRUE(fields.hasPosition);
+    }
+}
+
+TEST_F(ExifFiles, DirectoriesMayBeNamedByATypeOfTheirOwn) {
+    // TIFF has one for offsets of directories, besides the ordinary number that most writers take.
+    constexpr std::uint32_t kOffset = 13;
+    for (const ByteOrder order : kByteOrders) {
+        ExifBuilder raw = Raw(order);
+        raw.Without(kExif, 0xa002).Short(kBelow, 0x0100, {6000}).Short(kBelow, 0x0101, {4000});
+        ExifBuilder named = raw;
+        for (const auto& [directory, tag] : {std::pair{kExif, 0x8769U}, {kGps, 0x8825U}, {kBelow, 0x014aU}}) {
+            named.Entry(kImage, tag, kOffset, 1, raw.OffsetOf(directory));
+        }
+        const DcfExifInfo fields = Collect(named.Build()).Fields();
+        EXPECT_EQ(fields.iso, 400U);
+        EXPECT_TRUE(fields.hasPosition);
+        EXPECT_EQ(fields.width, 6000);
+        EXPECT_TRUE(CollectJpeg(named).Fields().hasPosition);
     }
 }
 

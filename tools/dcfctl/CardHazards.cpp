@@ -71,10 +71,28 @@ std::string ThenText(const CardCheck& check, const RenumberPlan& plan) {
         return "then numbers go on in the last folder, 999, though a camera may count the card as full by then";
     }
     const std::size_t folders = plan.rows.size();
+    const std::string numbers = folders == 1
+                                    ? " the number 100"
+                                    : " the numbers from 100 to " + std::to_string(kFirstFolderNumber + folders - 1);
     return "then no file can be added until the folders are renumbered, which would " +
-           (plan.IsComplete() ? "give " + CountText(folders, "folder", "folders") + " the numbers from 100 to " +
-                                    std::to_string(kFirstFolderNumber + folders - 1)
+           (plan.IsComplete() ? "give " + CountText(folders, "folder", "folders") + numbers
                               : std::string("not end complete here"));
+}
+
+/// New names are taken in the last folder only when it is named as new folders are.
+bool TakesNewNames(const std::string& folder) {
+    return folder.substr(3) == kNewFolderSuffix;
+}
+
+/// Why there are no numbers left in the last folder although it holds few.
+std::string LastFolderText(const CardCheck& check, int newest) {
+    if (newest / kIndexPerDirectory != kLastFolder || newest % kIndexPerDirectory == kLastFile) {
+        return "";
+    }
+    const std::string& highest = check.Listing()->Inspected().folders.front().name;
+    return TakesNewNames(highest) ? ""
+                                  : ", because " + Quoted(highest) + " is the last folder and not named as new ones " +
+                                        "are, such as " + Quoted(std::to_string(kLastFolder) + kNewFolderSuffix);
 }
 
 void AddNumbers(const CardCheck& check, const RenumberPlan& plan, std::vector<CheckFinding>& findings) {
@@ -85,7 +103,7 @@ void AddNumbers(const CardCheck& check, const RenumberPlan& plan, std::vector<Ch
     const int newest = FirstIndexOf(check);
     const std::string text = (newest > 0 ? "the newest file has the number " + IndexText(newest) + " and " : "") +
                              CountText(static_cast<std::size_t>(std::max(left, 0)), "number is", "numbers are") +
-                             " left; " + ThenText(check, plan);
+                             " left" + LastFolderText(check, newest) + "; " + ThenText(check, plan);
     findings.push_back(
         {left > 0 ? CheckCode::kNumbersNearlyUsedUp : CheckCode::kNumbersUsedUp, RootOf(check), text, ""});
 }
@@ -162,8 +180,9 @@ std::optional<int> NumbersLeft(const CardCheck& check) {
     // In the last folder the library also reads the folder's name out of a path, at the place where a camera's cards
     // have it. Elsewhere that would be other letters, so the same is told here by the name itself.
     const std::string& highest = listing->Inspected().folders.front().name;
-    const bool fits = highest.substr(3) == kNewFolderSuffix;
-    return fits ? std::max(std::min(kLastFile - newest % kIndexPerDirectory, kMaxFiles - listing->Count()), 0) : 0;
+    return TakesNewNames(highest)
+               ? std::max(std::min(kLastFile - newest % kIndexPerDirectory, kMaxFiles - listing->Count()), 0)
+               : 0;
 }
 
 RenumberPlan PlanRenumberingOf(const CardCheck& check) {

@@ -208,7 +208,7 @@ void ReportUnreadable(const std::vector<CardFolder>& folders, std::vector<Findin
         }
     }
     if (first != nullptr) {
-        warnings.push_back({"folder-unreadable", ExitCode::kPartial,
+        warnings.push_back({kUnreadableFolder, ExitCode::kPartial,
                             "the folder " + Quoted(first->name) + " cannot be read (" +
                                 std::strerror(first->readError) + ")" + AndMore(count, "folders") +
                                 ", its files are missing from the list; check its permissions and the card"});

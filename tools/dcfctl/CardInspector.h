@@ -14,6 +14,8 @@ namespace dcfctl {
 
 /// The code of the finding that two listed folders have one number.
 inline constexpr const char* kSharedFolderNumber = "shared-folder-number";
+/// The code of the finding that a folder of the list cannot be read.
+inline constexpr const char* kUnreadableFolder = "folder-unreadable";
 
 /// One folder of "DCIM" as the list takes it.
 struct CardFolder {

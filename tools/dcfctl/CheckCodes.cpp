@@ -17,7 +17,8 @@ constexpr const char* kNameFile =
     "name it like KVR_0012.JPG: four characters, four digits, a dot, and JPG, SRW, MPO, MP4 or AVI";
 constexpr const char* kNameCameraFile = "name it like 20240501_123456.JPG";
 constexpr const char* kFreeNumber = "give it a number that no other file of the folder has";
-constexpr const char* kShorterRoot = "mount the card at a shorter path such as /mnt/mmc, or go there and use --card .";
+constexpr const char* kShorterRoot =
+    "mount the card at a shorter path such as /mnt/mmc, or go there and use '--card .'";
 
 } // namespace
 
@@ -40,7 +41,7 @@ const CheckCodeRow kCheckCodes[] = {
      "rename it to Camera, with one capital"},
     {CheckCode::kCameraNotAsked, "camera-not-asked", kNote, "'Camera' was left out as asked",
      "leave --no-camera away to have it listed"},
-    {CheckCode::kHiddenFile, "hidden-file", kLeftOut, "It is a hidden file, as computers leave them behind",
+    {CheckCode::kHiddenFile, "hidden-file", kLeftOut, "It is hidden, as computers and phones leave files behind",
      "nothing is lost; delete it on a computer if it is not wanted"},
     {CheckCode::kFolderInFolder, "folder-in-folder", kLeftOut, "It is a folder inside a folder",
      "move its pictures up into the folder, or into a folder of their own in 'DCIM'"},
@@ -70,9 +71,9 @@ const CheckCodeRow kCheckCodes[] = {
     {CheckCode::kCardNotListed, "card-not-listed", kLeftOut, "No list can be made of this card",
      "see the hazard that stands in the way"},
     {CheckCode::kRootCamera, "root-camera", kHazard, "The card's path contains \"Camera\"",
-     "mount the card elsewhere, or go there and use --card ."},
+     "mount the card elsewhere, or go there and use '--card .'"},
     {CheckCode::kRootPhoto, "root-photo", kHazard, "The card's path contains \"PHOTO\"",
-     "mount the card elsewhere, or go there and use --card ."},
+     "mount the card elsewhere, or go there and use '--card .'"},
     {CheckCode::kRootTooLong, "root-too-long", kHazard, "The card's path is too long", kShorterRoot},
     {CheckCode::kDcimLink, "dcim-link", kHazard, "'DCIM' is a link", "make it a folder of the card"},
     {CheckCode::kListingFails, "listing-fails", kHazard, "No list can be made of the card",
@@ -98,7 +99,8 @@ const CheckCodeRow kCheckCodes[] = {
     {CheckCode::kLowerCaseName, "lower-case-name", kHazard, "It is listed in capitals, and its name has small letters",
      "give it a name in capitals"},
     {CheckCode::kDeletionLeavesCompanion, "deletion-leaves-companion", kHazard, "Deleting it would leave a file behind",
-     "give the file that would stay the same name up to the extension, or a number of its own"},
+     "give the file that would stay the same name up to the extension, or a number of its own; in 'Camera' no "
+     "name helps: move both into a numbered folder"},
     {CheckCode::kMovieAndPhoto, "movie-and-photo", kHazard, "A movie and a photo have one number",
      "give one of them a number that no other file of the folder has"},
     {CheckCode::kCameraNumberShared, "camera-number-shared", kHazard, "Two files of the list have one number",

@@ -10,6 +10,8 @@ namespace {
 
 /// How many findings of one code are shown unless all are asked for.
 constexpr std::size_t kShown = 10;
+/// The library does not count the numbers beyond these.
+constexpr int kMany = 20000;
 
 std::string FiguresLine(const CheckFigures& figures) {
     return CountText(figures.entries, "entry", "entries") + " in " + CountText(figures.folders, "folder", "folders") +
@@ -20,7 +22,7 @@ std::string FiguresLine(const CheckFigures& figures) {
 
 std::string RenumberingText(const RenumberPlan& plan) {
     if (plan.rows.empty()) {
-        return "nothing to rename";
+        return "would find nothing to rename";
     }
     const auto renamed = std::count_if(plan.rows.begin(), plan.rows.end(), [](const Renaming& row) {
         return row.WillHaveNewName() && row.outcome != RenameOutcome::kUnchanged;
@@ -80,7 +82,8 @@ std::string CheckText::Section(const CheckResult& result, Severity severity) con
 std::string CheckText::Of(const CheckResult& result) const {
     std::string text = FiguresLine(result.figures);
     if (result.figures.numbersLeft.has_value()) {
-        text += "Numbers left for new files: " + std::to_string(*result.figures.numbersLeft) + "\n";
+        const int left = *result.figures.numbersLeft;
+        text += "Numbers left for new files: " + std::to_string(left) + (left >= kMany ? " or more" : "") + "\n";
     }
     text += "A renumbering " + RenumberingText(result.renumbering) + ".\n";
     for (const Severity severity : {Severity::kLeftOut, Severity::kHazard, Severity::kNote}) {

@@ -341,6 +341,17 @@ std::vector<Finding> Warnings(const ExplainResult& result) {
                                shown + "; what to do stands beside each"}};
 }
 
+/// A name alone that was not found may lie in a folder that cannot be read.
+std::vector<Finding> NotLookedInto(const CardCheck& check) {
+    std::vector<Finding> findings;
+    if (check.Listing() != nullptr) {
+        const std::vector<Finding>& all = check.Listing()->Inspected().warnings;
+        std::copy_if(all.begin(), all.end(), std::back_inserter(findings),
+                     [](const Finding& finding) { return finding.code == std::string(kUnreadableFolder); });
+    }
+    return findings;
+}
+
 Finding Unknown(const CardOptions& card, const std::string& what) {
     return Refused("unknown-path", Quoted(what) + " is nothing in the folders of " +
                                        Quoted(card.root + "/" + std::string(kDcim)) +
@@ -369,6 +380,9 @@ Report<ExplainResult> Explain(const CardOptions& card, const std::string& what, 
         return Failed<ExplainResult>(Unknown(card, what));
     }
     Report<ExplainResult> report;
+    if (!spots.front().onCard && what.find('/') == std::string::npos) {
+        report.warnings = NotLookedInto(check);
+    }
     ExplainResult& result = report.value.emplace();
     result.root = card.root;
     result.what = what;
@@ -376,7 +390,9 @@ Report<ExplainResult> Explain(const CardOptions& card, const std::string& what, 
         result.entries.push_back(ExplainSpot(check, spot));
     }
     AddHazards(check, result.entries, err);
-    report.warnings = Warnings(result);
+    for (Finding& warning : Warnings(result)) {
+        report.warnings.push_back(std::move(warning));
+    }
     return report;
 }
 

@@ -16,6 +16,7 @@ namespace {
 constexpr std::size_t kFolderName = 8;
 constexpr std::size_t kDcfName = 12;
 constexpr std::size_t kCameraName = 19;
+constexpr const char* kHiddenFolder = "it is a hidden folder, as computers and phones leave them behind";
 
 /// A code and its sentence.
 struct Cause {
@@ -146,7 +147,9 @@ Cause LooseCause(const CardCheck& check, const LooseEntry& entry) {
                 std::string("it is ") + KindText(state->mode) + " directly in 'DCIM', where only folders are looked at",
                 ""};
     }
-    Cause cause = FolderNameFault(check, entry.self.name);
+    // Nobody wants the pictures in a phone's folder of thumbnails listed.
+    Cause cause = state.has_value() && IsHidden(entry.self.name) ? Cause{CheckCode::kHiddenFile, kHiddenFolder, ""}
+                                                                 : FolderNameFault(check, entry.self.name);
     if (state.has_value()) {
         cause.text += ContentText(check.PathOf(entry.self));
     }
@@ -189,6 +192,9 @@ Cause CameraNameFault(const std::string& name) {
 }
 
 Cause NameFault(const CensusFolder& folder, const CensusEntry& entry) {
+    if (entry.IsFolder() && IsHidden(entry.name)) {
+        return {CheckCode::kHiddenFile, kHiddenFolder, ""};
+    }
     if (entry.IsFolder()) {
         return {CheckCode::kFolderInFolder, "it is a folder inside a folder, and is not looked into", ""};
     }
@@ -302,11 +308,14 @@ std::vector<CheckFinding> AllLeftOut(const CardCheck& check) {
         findings.push_back(WhyLeftOut(check, entry));
     }
     for (std::size_t folder = 0; folder < check.Entries().folders.size(); ++folder) {
+        const auto begin = static_cast<std::ptrdiff_t>(findings.size());
         for (std::size_t entry = 0; entry < check.Entries().folders[folder].entries.size(); ++entry) {
             if (auto finding = WhyLeftOut(check, folder, entry)) {
                 findings.push_back(std::move(*finding));
             }
         }
+        std::sort(findings.begin() + begin, findings.end(),
+                  [](const CheckFinding& a, const CheckFinding& b) { return a.path < b.path; });
     }
     return findings;
 }

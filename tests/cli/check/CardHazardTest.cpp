@@ -1,6 +1,9 @@
 // check: hazards of the whole card: its path, the numbers that are left, and what a renumbering would do.
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <filesystem>
 
@@ -80,6 +83,10 @@ TEST(CardHazard, ALastFolderOfAnotherKindTakesNoNewFiles) {
     const Json json = card.Check();
     EXPECT_EQ((Words{"numbers-used-up"}), clitest::Codes(json));
     EXPECT_EQ(0, json["figures"]["numbers_left"]);
+    EXPECT_EQ("the newest file has the number 999-0001 and 0 numbers are left, because '999_0501' is the last folder "
+              "and not named as new ones are, such as '999PHOTO'; then no file can be added until the folders are "
+              "renumbered, which would give 1 folder the number 100",
+              MessageOf(json, "numbers-used-up"));
 }
 
 TEST(CardHazard, NumbersOfTheFolderBeforeTheLastRunOn) {
@@ -113,6 +120,18 @@ TEST(CardHazard, ANextFileThatCannotBeNamed) {
     CheckedCard good;
     good.Put("Camera", {"20240501_123456.JPG"});
     EXPECT_EQ(Words{}, Of(good.Check(), "no-next-name"));
+}
+
+TEST(CardHazard, ACardThatMayNotBeWrittenIsNoMatterOfItsNames) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "runs the tool as another user, which only root can";
+    }
+    CheckedCard card;
+    card.Put("100PHOTO", {"KVR_0001.JPG"});
+    chmod(card.Root().c_str(), 0755); // and all of it is root's
+    clitest::Options nobody;
+    nobody.user = 65534;
+    EXPECT_EQ(Words{}, clitest::Codes(card.Check({}, nobody)));
 }
 
 TEST(CardHazard, AnEmptyHighestFolder) {

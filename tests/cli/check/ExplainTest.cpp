@@ -1,6 +1,9 @@
 // explain: where one file or folder stands, or why it does not; also for a name that is not on the card.
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <filesystem>
 
 #include "CheckedCard.h"
@@ -135,6 +138,26 @@ TEST(Explain, TellsWhatWouldBecomeOfAFolderThatIsNotThere) {
     EXPECT_FALSE(fs::exists(card.Path("102PHOTO")));
 }
 
+TEST(Explain, IsNotSureOfANameThatMayLieInAFolderThatCannotBeRead) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "runs the tool as another user, which only root can";
+    }
+    ExplainCard card;
+    chmod(card.Path("100PHOTO").c_str(), 0700);
+    chmod(card.Root().c_str(), 0755);
+    clitest::Options nobody;
+    nobody.user = 65534;
+    const auto explained = [&](const char* what) { return OnCard(card.Root(), {"explain", what}, nobody); };
+    const Outcome outcome = explained("KVR_0007.JPG");
+    EXPECT_EQ(clitest::kPartial, outcome.exit);
+    EXPECT_EQ(clitest::WarningLine("the folder '100PHOTO' cannot be read (Permission denied), its files are missing "
+                                   "from the list; check its permissions and the card"),
+              outcome.err);
+    EXPECT_EQ(clitest::kSuccess, explained("KVR_0001.JPG").exit) << "that one is there";
+    EXPECT_EQ(clitest::kSuccess, explained("101PHOTO/KVR_0007.JPG").exit) << "and that one is not";
+    EXPECT_EQ(clitest::kPartial, explained("notes.txt").exit) << "although it would be left out elsewhere";
+}
+
 TEST(Explain, RefusesWhatHasNoPlaceOnTheCard) {
     ExplainCard card;
     for (const char* what : {"/etc/passwd", "555PHOTO/KVR_0001.JPG", "", "DCIM", "DCIM/", ".", "..", "100PHOTO/a/b"}) {
@@ -153,6 +176,18 @@ TEST(Explain, TellsOfTheCardWhereItCannotBeListed) {
     CheckedCard longer(72);
     longer.Put("100AAAAA", {"KVR_0001.JPG"});
     EXPECT_EQ((Words{"path-cut", "root-too-long"}), Codes(longer.Explain("KVR_0001.JPG")));
+}
+
+TEST(Explain, KeepsToTheEntryWhereTheCardIsListed) {
+    CheckedCard card; // the hazard is the card's
+    const std::string dcim = card.Root() + "/PHOTOS/DCIM";
+    fs::create_directories(dcim + "/100ABCDE");
+    fs::copy_file(card.PutContent("100ABCDE", "KVR_0001.JPG", clitest::ContentFor(".JPG")).Path("100ABCDE") +
+                      "/KVR_0001.JPG",
+                  dcim + "/100ABCDE/KVR_0001.JPG");
+    const Outcome outcome = OnCard(card.Root() + "/PHOTOS", {"explain", "KVR_0001.JPG"});
+    EXPECT_EQ(clitest::kSuccess, outcome.exit);
+    EXPECT_EQ("DCIM/100ABCDE/KVR_0001.JPG\n  is in the list at position 0, with the number 1\n", outcome.out);
 }
 
 TEST(Explain, LeavesCameraOutWhenAsked) {

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <cstdlib>
 #include <filesystem>
 
 #include "CheckedCard.h"
@@ -90,6 +91,37 @@ TEST(Check, TellsOfACardThatIsNotThereAsEveryVerbDoes) {
         EXPECT_NE(std::string::npos, empty.err.find("there is no folder 'DCIM'")) << empty.err;
     }
     EXPECT_FALSE(fs::exists(card.Dcim())); // it is not made
+}
+
+/// Runs a verb on a card that changes between the list and the look at its entries.
+Outcome WhileItChanges(const CheckedCard& card, const std::string& change, const Words& words) {
+    clitest::Options options;
+    options.environment["LD_PRELOAD"] = CLI_CHECK_SHIM;
+    options.environment["CLI_CHECK_SHIM_CHANGE"] = change;
+    const char* sanitizer = std::getenv("ASAN_OPTIONS");
+    options.environment["ASAN_OPTIONS"] =
+        (sanitizer != nullptr ? std::string(sanitizer) + ":" : std::string()) + "verify_asan_link_order=0";
+    return OnCard(card.Root(), words, options);
+}
+
+TEST(Check, IsAnErrorWhereTheEntriesAreNotThoseOfTheList) {
+    for (const char* change : {"add", "remove"}) {
+        for (const Words& words : {Words{"check", "--json"}, {"explain", "--json", "KVR_0001.JPG"}}) {
+            CheckedCard card;
+            card.Put("100PHOTO", {"KVR_0001.JPG", "KVR_0002.JPG", "KVR_0003.JPG"});
+            const Outcome outcome = WhileItChanges(card, change, words);
+            EXPECT_EQ(clitest::kIncomplete, outcome.exit) << change << outcome.Describe();
+            EXPECT_EQ("check-disagrees", Json::parse(outcome.out)["error"]["cause"]) << change;
+        }
+    }
+}
+
+TEST(Check, IsAnErrorWhereTheCardIsPulledOut) {
+    CheckedCard card;
+    card.Put("100PHOTO", {"KVR_0001.JPG"});
+    const Outcome outcome = WhileItChanges(card, "exchange", {"check"});
+    EXPECT_EQ(clitest::kIncomplete, outcome.exit) << outcome.Describe();
+    EXPECT_NE(std::string::npos, outcome.err.find("is no longer what it was")) << outcome.err;
 }
 
 timespec AccessTime(const std::string& path) {

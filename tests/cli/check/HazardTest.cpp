@@ -103,6 +103,18 @@ TEST(Hazard, ADeletionThatLeavesACompanionBehind) {
                  {"companion-prefix"});
 }
 
+TEST(Hazard, ADeletionInCameraIsNotCuredByAName) {
+    CheckedCard card; // the two have the same one up to the extension
+    card.Put("Camera", {"20240501_123456.JPG", "20240501_123456.SRW"});
+    const Json json = card.Check();
+    EXPECT_EQ((Words{"Camera/20240501_123456.JPG: '20240501_123456.SRW' belongs to it by its number and would stay"}),
+              Of(json, "deletion-leaves-companion"));
+    for (const Json& finding : json["findings"]) {
+        const bool told = finding["cure"].get<std::string>().find("move both") != std::string::npos;
+        EXPECT_TRUE(told || finding["severity"] == "note") << finding;
+    }
+}
+
 TEST(Hazard, AMovieAndAPhotoOfOneNumber) {
     CheckedCard card;
     card.Put("100PHOTO",
@@ -178,6 +190,45 @@ TEST(Hazard, ContentThatIsNotWhatTheExtensionSays) {
         expected.push_back(std::string("100PHOTO/") + row.name + ": " + row.text);
     }
     card.PutContent("100PHOTO", "KVR_0009.SRW", std::string("MM\0*", 4)); // the other order of bytes
+    ExpectHazard(card, "content-mismatch", expected);
+}
+
+TEST(Hazard, AContentIsToldByItsFirstBytes) {
+    using namespace std::string_literals;
+    const struct {
+        std::string content;
+        const char* text; ///< What it holds; null where an MP4 movie may begin so.
+    } rows[] = {
+        {"\0\0\0\x18"s + "ftypisom", nullptr},
+        {"\0\0\0\x08"s + "moov", nullptr},
+        {"\0\0\0\x08"s + "mdat", nullptr},
+        {"\0\0\0\x08"s + "wide", nullptr},
+        {"\0\0\0\x08"s + "free", nullptr},
+        {"\0\0\0\x08"s + "skip", nullptr},
+        {"\xff\xd8\xff\xe0", "a JPEG picture"},
+        {"II*\0"s, "a TIFF or raw picture"},
+        {"MM\0*"s, "a TIFF or raw picture"},
+        {"\0\0\0\x18"s + "ftypheix", "an HEIF picture"},
+        {"\0\0\0\x18"s + "ftypmif1", "an HEIF picture"},
+        {"\0\0\0\x18"s + "ftypavif", "an AVIF picture"},
+        {"RIFF\1\0\0\0AVI LIST"s, "an AVI movie"},
+        {"RIFF\1\0\0\0WAVEfmt "s, "a sound"},
+        {"RIFF\1\0\0\0WEBPVP8 "s, "a WebP picture"},
+        {"GIF89a", "a GIF picture"},
+        {"BM1234", "a BMP picture"},
+        {"%PDF-1.4", "a PDF document"},
+        {"PK\x03\x04", "a ZIP archive"},
+    };
+    CheckedCard card;
+    Words expected;
+    int number = 1000;
+    for (const auto& row : rows) {
+        const std::string name = "KVR_" + std::to_string(++number) + ".MP4";
+        card.PutContent("100PHOTO", name, row.content);
+        if (row.text != nullptr) {
+            expected.push_back("100PHOTO/" + name + ": the name says MP4, and it holds " + row.text);
+        }
+    }
     ExpectHazard(card, "content-mismatch", expected);
 }
 

@@ -122,6 +122,18 @@ TEST(LeftOut, CameraInAnotherSpelling) {
                {"CAMERA: the list knows the folder 'Camera' in this spelling alone; it is empty"}, "1 0 0 1");
 }
 
+TEST(LeftOut, HiddenFoldersAreNotToBeNamedLikeFoldersOfPictures) {
+    CheckedCard card;
+    card.Put("100PHOTO", {"KVR_0001.JPG"}).Make({"100PHOTO/.trash"}).Put(".thumbnails", {"1.jpg"}).Make({".Trashes"});
+    ExpectOnly(
+        card, "hidden-file",
+        {".Trashes: it is a hidden folder, as computers and phones leave them behind; it is empty",
+         ".thumbnails: it is a hidden folder, as computers and phones leave them behind; with it 1 entry is left "
+         "out, 1 of which looks like a picture or movie",
+         "100PHOTO/.trash: it is a hidden folder, as computers and phones leave them behind"},
+        "4 1 0 3", {"renumber-takes-along"});
+}
+
 TEST(LeftOut, CameraAsAskedIsANoteAndCountsAsOneEntry) {
     CheckedCard card;
     card.Put("100PHOTO", {"KVR_0001.JPG"}).Put("Camera", {"20240501_123456.JPG"});
@@ -225,6 +237,15 @@ TEST(LeftOut, CompanionsThatAreNotAdopted) {
                {"Camera/20240501_123456.SRW: the companion of '20240501_123456.JPG' is looked for as '20240501_SRW', "
                 "so that '20240501_123456.SRW' is not found"},
                "2 1 0 1", {"deletion-leaves-companion"});
+}
+
+TEST(LeftOut, ACameraNameWhoseCharactersReadAsTheNumberBefore) {
+    CheckedCard card;
+    card.Put("Camera", {"20240501_12AB56.JPG", "20240501_12CD56.JPG"});
+    ExpectOnly(card, "camera-digits",
+               {"Camera/20240501_12CD56.JPG: characters 10 to 15 of the name are its number, and "
+                "'20240501_12AB56.JPG', which comes just before, has the same one and is listed instead"},
+               "2 1 0 1", {"camera-number-odd"});
 }
 
 TEST(LeftOut, NamesThatCameraDoesNotTake) {

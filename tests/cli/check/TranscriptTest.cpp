@@ -1,6 +1,9 @@
 // check and explain as people see them.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
+
 #include "CheckedCard.h"
 
 using clitest::CheckedCard;
@@ -17,7 +20,7 @@ TEST(CheckText, OfASampleCardHasNotesAlone) {
     EXPECT_EQ(clitest::kSuccess, outcome.exit);
     EXPECT_EQ("", outcome.err);
     EXPECT_EQ("19 entries in 4 folders = 16 listed + 3 companions + 0 left out\n"
-              "Numbers left for new files: 20000\n"
+              "Numbers left for new files: 20000 or more\n"
               "A renumbering would rename 3 of 4 entries; the plan is not complete ('dcfctl renumber --dry-run' shows "
               "it).\n"
               "\n"
@@ -43,7 +46,7 @@ TEST(CheckText, TellsCauseAndCure) {
         clitest::WarningLine("the list leaves out 1 entry, and 1 hazard was found; what to do stands beside each"),
         outcome.err);
     EXPECT_EQ("2 entries in 1 folder = 1 listed + 0 companions + 1 left out\n"
-              "Numbers left for new files: 20000\n"
+              "Numbers left for new files: 20000 or more\n"
               "A renumbering would rename 0 of 1 entry; the plan is complete ('dcfctl renumber --dry-run' shows it).\n"
               "\n"
               "Left out: 1\n"
@@ -62,6 +65,44 @@ TEST(CheckText, TellsCauseAndCure) {
               "last picture\n"
               "    To do: take those entries out, or let the folder stay.\n",
               outcome.out);
+}
+
+TEST(CheckText, OfAnEmptyCardIsWhole) {
+    CheckedCard card;
+    EXPECT_EQ("0 entries in 0 folders = 0 listed + 0 companions + 0 left out\n"
+              "Numbers left for new files: 20000 or more\n"
+              "A renumbering would find nothing to rename.\n",
+              OnCard(card.Root(), {"check"}).out);
+}
+
+TEST(CheckText, TellsNumbersThatAreCountedAsTheyAre) {
+    CheckedCard card;
+    card.Put("998PHOTO", {"KVR_0001.JPG"});
+    EXPECT_EQ("Numbers left for new files: 9998", clitest::Lines(OnCard(card.Root(), {"check"}).out).at(1));
+}
+
+TEST(CheckText, QuotesACommandThatEndsWithADot) {
+    CheckedCard card; // or it would be read as the folder above
+    const std::string root = card.Root() + "/PHOTOS";
+    std::filesystem::create_directories(root + "/DCIM");
+    const std::string out = OnCard(root, {"check"}).out;
+    EXPECT_NE(std::string::npos, out.find("go there and use '--card .'.\n")) << out;
+}
+
+TEST(CheckText, TellsFilesOfAFolderByTheirNames) {
+    CheckedCard card;
+    for (const char* name : {"d.txt", "b.txt", "e.txt", "a.txt", "c.txt"}) {
+        card.Put("101PHOTO", {name}).Put("100PHOTO", {name});
+    }
+    Words shown;
+    for (const std::string& line : clitest::Lines(OnCard(card.Root(), {"check"}).out)) {
+        if (line.find(".txt: ") != std::string::npos) {
+            shown.push_back(line.substr(9, line.find(": ") - 9));
+        }
+    }
+    EXPECT_EQ((Words{"101PHOTO/a.txt", "101PHOTO/b.txt", "101PHOTO/c.txt", "101PHOTO/d.txt", "101PHOTO/e.txt",
+                     "100PHOTO/a.txt", "100PHOTO/b.txt", "100PHOTO/c.txt", "100PHOTO/d.txt", "100PHOTO/e.txt"}),
+              shown);
 }
 
 TEST(CheckText, ShowsTheFirstOfManyAndAllWhenAsked) {
