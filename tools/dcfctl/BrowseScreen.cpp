@@ -21,6 +21,7 @@
 
 #include "Phrases.h"
 #include "Streams.h"
+#include "Terminal.h"
 #include "Text.h"
 
 namespace dcfctl {
@@ -287,8 +288,9 @@ ScreenEvent BrowseScreen::Wait(int other, int milliseconds) {
 }
 
 void BrowseScreen::Resignal() {
-    if (g_signal != 0) {
-        (void)raise(g_signal); // its handler is the one from before
+    const int signal = g_signal != 0 ? g_signal : InterruptGuard::Signal();
+    if (signal != 0) {
+        (void)raise(signal); // its handler is the one from before
     }
 }
 

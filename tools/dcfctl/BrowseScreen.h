@@ -48,7 +48,7 @@ public:
     /// Enough of them for a picture.
     [[nodiscard]] bool HasManyColours() const;
 
-    /// After the screen is gone: ends the process by the signal that has come, if one has.
+    /// After the screen is gone: ends the process by the signal that has come, to the screen or to a work, if one has.
     static void Resignal();
 
 private:
