@@ -2,6 +2,7 @@
 #include "Playback.h"
 
 #include <chrono>
+#include <cstdlib>
 
 namespace clitest {
 namespace {
@@ -177,6 +178,24 @@ bool Playback::HasColour() const {
         for (int column = 0; column < m_size.columns; ++column) {
             const VTermScreenCell cell = Cell(row, column);
             if (!VTERM_COLOR_IS_DEFAULT_FG(&cell.fg) || !VTERM_COLOR_IS_DEFAULT_BG(&cell.bg)) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+bool Playback::HasTint(dcfctl::Colour colour) const {
+    const auto is = [&](VTermColor shown) {
+        constexpr int kNear = 48; // a palette of 256 has none that is further off
+        vterm_screen_convert_color_to_rgb(m_screen, &shown);
+        return std::abs(shown.rgb.red - colour.red) <= kNear && std::abs(shown.rgb.green - colour.green) <= kNear &&
+               std::abs(shown.rgb.blue - colour.blue) <= kNear;
+    };
+    for (int row = 0; row < m_size.rows; ++row) {
+        for (int column = 0; column < m_size.columns; ++column) {
+            const VTermScreenCell cell = Cell(row, column);
+            if (is(cell.fg) || is(cell.bg)) {
                 return true;
             }
         }

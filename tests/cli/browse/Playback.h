@@ -10,6 +10,7 @@
 
 #include "Card.h"
 #include "Cli.h"
+#include "Jpeg.h"
 #include "Terminal.h"
 
 namespace clitest {
@@ -39,7 +40,8 @@ public:
     ~Playback();
 
     void Type(const std::string& keys);
-    /// Waits until the text stands on the screen, in one line or, at its blanks, in several. @return whether it did within ten seconds.
+    /// Waits until the text stands on the screen, in one line or, at its blanks, in several. @return whether it did
+    /// within ten seconds.
     [[nodiscard]] bool Shows(const std::string& text);
     /// Waits until it stands there no more.
     [[nodiscard]] bool Hides(const std::string& text);
@@ -66,6 +68,8 @@ public:
     }
     /// Whether any character has a colour of its own.
     [[nodiscard]] bool HasColour() const;
+    /// Whether any character has about this colour.
+    [[nodiscard]] bool HasTint(dcfctl::Colour colour) const;
     /// Whether the terminal is as the person had it: its modes, its screen, its cursor.
     [[nodiscard]] bool IsGivenBack() const {
         return m_terminal.IsAsAtTheStart() && !m_otherScreen && m_cursorShown;
