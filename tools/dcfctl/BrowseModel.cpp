@@ -116,7 +116,8 @@ std::vector<BrowseRow> BrowseModel::Rows(int from, int count) {
 }
 
 /// The first conversion of a file stores its metadata, and the next one carries it. Nothing is collected at any other
-/// time: a file that the list does not find again would leave its metadata with the one that is found in its place.
+/// time: a file that the list does not find again by its number, on which no cursor is ever placed, would leave its
+/// metadata with the one that is found in its place.
 BrowseFacts BrowseModel::Photo() const {
     BrowseFacts facts;
     if (ExifCollector() == nullptr || m_cursor < 0 || CheckThere().has_value()) {
@@ -130,9 +131,6 @@ BrowseFacts BrowseModel::Photo() const {
         (void)List().RegisterPhotoMetadataCB(nullptr);
         facts = PhotoFacts(item);
     };
-    if (!FindsAgain({m_listing->Simple(m_cursor)})) {
-        return facts; // the list would keep it with another file
-    }
     const Rehearsed tried = Rehearse(read);
     if (tried == Rehearsed::kFine || tried == Rehearsed::kNotTried) {
         read();

@@ -53,6 +53,7 @@ public:
 
 private:
     [[nodiscard]] std::optional<ScreenEvent> Key();
+    [[nodiscard]] static ScreenEvent AfterEscape();
     void TakeNewSize() const;
 
     int m_out;

@@ -143,6 +143,7 @@ TEST_F(Marking, ProtectedFilesAreKept) {
     playback.Type(" 2\r ");
     ASSERT_TRUE(playback.Answers("d", "1 file protected and kept")) << playback.Text();
     ASSERT_TRUE(playback.Answers("y", "Deleted 1 file")) << playback.Text();
+    EXPECT_TRUE(playback.Hides("selected ")) << "nor are they selected any more\n" << playback.Text();
     EXPECT_EQ((Words{"KVR_0001.JPG", "KVR_0001.SRW", "KVR_0003.JPG"}), m_card.Names("100ABCDE"));
 }
 

@@ -93,6 +93,7 @@ TEST(APhoto, OfANumberThatTheListFindsElsewhereTellsNothing) {
     EXPECT_TRUE(playback.Answers("1\r", "ISO        222")) << playback.Text();
     EXPECT_TRUE(playback.Answers("2\r", "the cursor cannot be placed on 'Camera/20240503_101010.JPG'"))
         << playback.Text();
+    playback.Type("c"); // draws all rows anew
     EXPECT_TRUE(playback.Answers("0\r", "ISO        111")) << playback.Text();
 }
 
