@@ -154,6 +154,19 @@ TEST(APreview, OfARawFileWithoutAThumbnailIsThePictureThatItBrings) {
 }
 #endif
 
+TEST(APreview, StandsUpright) {
+    constexpr int kWide = 18; // a lying picture has more columns than that, a standing one fewer
+    Card card;
+    Add(card, "100ABCDE", "KVR_0002.JPG", clitest::Picture(kRed, clitest::ExifSegment({.orientation = 1})));
+    Add(card, "100ABCDE", "KVR_0001.JPG", clitest::Picture(kRed, clitest::ExifSegment({.orientation = 6})));
+    Playback playback(card.Root());
+    EXPECT_TRUE(playback.Comes([&] { return playback.TintWidth(kRed) > kWide; })) << playback.Text();
+    playback.Type(kArrowDown);
+    ASSERT_TRUE(playback.IsAt(1));
+    const auto standing = [&] { return playback.TintWidth(kRed) > kWide / 2 && playback.TintWidth(kRed) < kWide; };
+    EXPECT_TRUE(playback.Comes(standing)) << playback.TintWidth(kRed) << playback.Text();
+}
+
 TEST(APreview, OfAThumbnailThatIsNoneIsThePictureItself) {
     Card card;
     Add(card, "100ABCDE", "KVR_0001.JPG", clitest::Picture(kGreen, clitest::ExifSegment({.thumbnail = "no picture"})));

@@ -185,22 +185,23 @@ bool Playback::HasColour() const {
     return false;
 }
 
-bool Playback::HasTint(dcfctl::Colour colour) const {
+int Playback::TintWidth(dcfctl::Colour colour) const {
     const auto is = [&](VTermColor shown) {
         constexpr int kNear = 48; // a palette of 256 has none that is further off
         vterm_screen_convert_color_to_rgb(m_screen, &shown);
         return std::abs(shown.rgb.red - colour.red) <= kNear && std::abs(shown.rgb.green - colour.green) <= kNear &&
                std::abs(shown.rgb.blue - colour.blue) <= kNear;
     };
-    for (int row = 0; row < m_size.rows; ++row) {
-        for (int column = 0; column < m_size.columns; ++column) {
+    int columns = 0;
+    for (int column = 0; column < m_size.columns; ++column) {
+        bool here = false;
+        for (int row = 0; row < m_size.rows && !here; ++row) {
             const VTermScreenCell cell = Cell(row, column);
-            if (is(cell.fg) || is(cell.bg)) {
-                return true;
-            }
+            here = is(cell.fg) || is(cell.bg);
         }
+        columns += here ? 1 : 0;
     }
-    return false;
+    return columns;
 }
 
 } // namespace clitest
