@@ -50,6 +50,7 @@ std::vector<FileEntry> BrowseModel::Chosen() const {
         positions.push_back(m_cursor);
     }
     std::vector<FileEntry> files;
+    files.reserve(positions.size());
     for (const int position : positions) {
         files.push_back(m_listing->Simple(position));
     }

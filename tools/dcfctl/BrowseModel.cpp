@@ -164,7 +164,7 @@ bool BrowseModel::Move(const Operation& operation) {
 
 Finding BrowseModel::CannotPlace(const FileEntry& file) const {
     const std::string which = Quoted(SplitPath(file.path).folder + "/" + SplitPath(file.path).file);
-    if (m_known.ambiguous.count(SplitPath(file.path).folder) > 0) {
+    if (m_known.ambiguous.contains(SplitPath(file.path).folder)) {
         return Refused(kSharedFolderNumber, "the cursor cannot be placed on " + which +
                                                 ": its folder shares its number with another one, by which the file "
                                                 "list finds a folder; rename one of the two");
