@@ -65,9 +65,8 @@ void BrowseController::Run() {
     bool going = true;
     while (going) {
         Draw();
-        const bool wanted = m_view.Wanted().columns > 0 && !(m_view.Wanted() == m_preview.Wish());
-        const int patience =
-            wanted || m_preview.Now() == Preview::State::kWorking ? kPreviewMilliseconds : kIdleMilliseconds;
+        const bool busy = IsPreviewMissing() || m_preview.Now() == Preview::State::kWorking;
+        const int patience = busy ? kPreviewMilliseconds : kIdleMilliseconds;
         going = Handle(m_screen.Wait(m_preview.Descriptor(), patience));
         going = going && !InterruptGuard::Interrupted();
     }
@@ -145,6 +144,9 @@ void BrowseController::HandleMove(std::wint_t key) {
 }
 
 bool BrowseController::HandleCommand(std::wint_t key) {
+    if (m_view.IsTooSmall() && key != L'q') {
+        return true; // nobody sees what it would do
+    }
     switch (key) {
     case L'q':
         return false;
@@ -257,9 +259,10 @@ void BrowseController::Ask() {
 }
 
 void BrowseController::HandleAnswer(const ScreenEvent& event) {
+    const bool yes = event.kind == ScreenEvent::Kind::kCharacter && (event.key == L'y' || event.key == L'Y');
     EndTyping();
-    if (event.kind == ScreenEvent::Kind::kCharacter && (event.key == L'y' || event.key == L'Y')) {
-        m_preview.Drop(); // it may be reading what is deleted
+    if (yes && !m_view.IsTooSmall()) { // there the question is not to be seen
+        m_preview.Drop();              // it may be reading what is deleted
         Tell(m_model.Delete(Progress("Deleting")));
     } else {
         Tell({true, "Nothing was deleted."});
@@ -351,12 +354,16 @@ void BrowseController::Draw() {
     m_view.Draw(m_model, m_scene, m_preview);
 }
 
-void BrowseController::FollowPreview() {
+bool BrowseController::IsPreviewMissing() const {
     const PreviewWish& wanted = m_view.Wanted();
-    if (wanted.columns == 0) {
+    return wanted.columns > 0 && (!(wanted == m_preview.Wish()) || m_preview.Now() == Preview::State::kNothing);
+}
+
+void BrowseController::FollowPreview() {
+    if (m_view.Wanted().columns == 0) {
         m_preview.Drop();
-    } else if (!(wanted == m_preview.Wish()) || m_preview.Now() == Preview::State::kNothing) {
-        m_preview.Begin(wanted);
+    } else if (IsPreviewMissing()) {
+        m_preview.Begin(m_view.Wanted());
     }
 }
 

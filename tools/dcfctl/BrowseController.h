@@ -20,6 +20,11 @@ public:
     /// Until the person leaves, or the process is to end.
     void Run();
 
+    /// What was told last.
+    [[nodiscard]] const std::string& Message() const {
+        return m_scene.message;
+    }
+
 private:
     /// What is being typed.
     enum class Mode { kKeys, kPosition, kPath, kQuestion };
@@ -45,6 +50,8 @@ private:
     void Draw();
     void FetchRows();
     void FetchPhoto();
+    /// There is room for a picture that nobody has begun to draw.
+    [[nodiscard]] bool IsPreviewMissing() const;
     void FollowPreview();
 
     BrowseModel& m_model;

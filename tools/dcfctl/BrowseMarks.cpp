@@ -50,6 +50,7 @@ std::vector<FileEntry> BrowseModel::Chosen() const {
         positions.push_back(m_cursor);
     }
     std::vector<FileEntry> files;
+    files.reserve(positions.size());
     for (const int position : positions) {
         files.push_back(m_listing->Simple(position));
     }
@@ -192,24 +193,15 @@ BrowseReply BrowseModel::PlanDeletion(const Tick& tick) {
     return {true, text};
 }
 
-/// The file that was at the cursor's place is the next one then.
-void BrowseModel::DeleteAtCursor(const FileEntry& file, const RemovalPlan& plan) {
-    if (plan.targets.empty() || !FindsAgain({file})) {
-        return; // what is left behind is told afterwards
-    }
-    CSFileListItem item;
-    (void)List().GetAt(file.position, &item); // 0 for every position of the list
-    (void)List().Delete(&item);               // the card is looked at afterwards
-    m_listing->Recount();
-    SettleAt(file.position);
-}
-
-/// The set deletion leaves the cursor on the file before the first one that was selected.
-void BrowseModel::DeleteSelected(const std::vector<FileEntry>& files, const RemovalPlan& plan, const Tick& tick) {
+/// Where the file at the cursor was, the next one is then. A selection leaves the cursor on the file before its first
+/// one, as the list's own deletion of a set does.
+void BrowseModel::DeleteAsPlanned(const RemovalPlan& plan, int first, const Tick& tick) {
+    const InterruptGuard guard;
+    const bool selected = Selected() > 0;
     (void)RemoveAsPlanned(List(), plan, tick); // how many are kept is known
     List().SelectCancel();
     m_listing->Recount();
-    SettleAt(files.front().position - 1);
+    SettleAt(selected ? first - 1 : first);
 }
 
 BrowseReply BrowseModel::Delete(const Tick& tick) {
@@ -222,7 +214,6 @@ BrowseReply BrowseModel::Delete(const Tick& tick) {
         return Refusal(*finding);
     }
     const CardLock lock(m_card.root);
-    const bool set = Selected() > 0;
     const std::vector<FileEntry> files = Chosen();
     CardReport now;
     RemovalResult result;
@@ -237,14 +228,7 @@ BrowseReply BrowseModel::Delete(const Tick& tick) {
     if (finding.has_value()) {
         return Refusal(*finding);
     }
-    {
-        const InterruptGuard guard;
-        if (set) {
-            DeleteSelected(files, result.plan, tick);
-        } else {
-            DeleteAtCursor(files.front(), result.plan);
-        }
-    }
+    DeleteAsPlanned(result.plan, files.front().position, tick);
     m_known = CardInspector(m_card.root, m_card.camera).Inspect();
     if (const auto left = LookAtRemoval(result)) {
         m_untrue = true;

@@ -66,7 +66,6 @@ std::optional<Finding> BrowseModel::Open() {
         m_listing.reset();
         return refusal;
     }
-    CollectPhotoFacts(List());
     m_known = m_listing->Inspected();
     m_untrue = false;
     TakeUpCursor();
@@ -116,7 +115,9 @@ std::vector<BrowseRow> BrowseModel::Rows(int from, int count) {
     return rows;
 }
 
-/// The first conversion of a file stores its metadata, and the next one carries it.
+/// The first conversion of a file stores its metadata, and the next one carries it. Nothing is collected at any other
+/// time: a file that the list does not find again by its number, on which no cursor is ever placed, would leave its
+/// metadata with the one that is found in its place.
 BrowseFacts BrowseModel::Photo() const {
     BrowseFacts facts;
     if (ExifCollector() == nullptr || m_cursor < 0 || CheckThere().has_value()) {
@@ -124,11 +125,14 @@ BrowseFacts BrowseModel::Photo() const {
     }
     const auto read = [&] {
         CSFileListItem item;
-        (void)List().GetAt(m_cursor, &item); // 0 for every position of the list
+        (void)List().RegisterPhotoMetadataCB(ExifCollector()); // has one result
+        (void)List().GetAt(m_cursor, &item);                   // 0 for every position of the list
         (void)List().GetAt(m_cursor, &item);
+        (void)List().RegisterPhotoMetadataCB(nullptr);
         facts = PhotoFacts(item);
     };
-    if (FindsAgain({m_listing->Simple(m_cursor)}) && Rehearse(read) != Rehearsed::kFatal) {
+    const Rehearsed tried = Rehearse(read);
+    if (tried == Rehearsed::kFine || tried == Rehearsed::kNotTried) {
         read();
     }
     return facts;
@@ -160,7 +164,7 @@ bool BrowseModel::Move(const Operation& operation) {
 
 Finding BrowseModel::CannotPlace(const FileEntry& file) const {
     const std::string which = Quoted(SplitPath(file.path).folder + "/" + SplitPath(file.path).file);
-    if (m_known.ambiguous.count(SplitPath(file.path).folder) > 0) {
+    if (m_known.ambiguous.contains(SplitPath(file.path).folder)) {
         return Refused(kSharedFolderNumber, "the cursor cannot be placed on " + which +
                                                 ": its folder shares its number with another one, by which the file "
                                                 "list finds a folder; rename one of the two");

@@ -103,8 +103,7 @@ private:
     [[nodiscard]] std::optional<Finding> CheckUnchanged(CardReport& now) const;
     [[nodiscard]] std::optional<Finding> Plan(const CardReport& now, const std::vector<FileEntry>& files,
                                               const Tick& tick, RemovalPlan& plan) const;
-    void DeleteAtCursor(const FileEntry& file, const RemovalPlan& plan);
-    void DeleteSelected(const std::vector<FileEntry>& files, const RemovalPlan& plan, const Tick& tick);
+    void DeleteAsPlanned(const RemovalPlan& plan, int first, const Tick& tick);
 
     CardOptions m_card;
     std::optional<CardListing> m_listing;

@@ -6,7 +6,6 @@
 #include <cstdio>
 
 #include "DcfExif.h"
-#include "Metadata.h"
 #include "Text.h"
 
 namespace dcfctl {
@@ -27,9 +26,6 @@ std::string ExposureText(const DcfExifInfo& info) {
     if (info.fNumber > 0) {
         text += (text.empty() ? "f/" : " f/") + Decimal(info.fNumber);
     }
-    if (info.iso > 0) {
-        text += (text.empty() ? "ISO " : " ISO ") + std::to_string(info.iso);
-    }
     return text;
 }
 
@@ -44,10 +40,6 @@ std::string LensText(const DcfExifInfo& info) {
 
 } // namespace
 
-void CollectPhotoFacts(ISFileList& list) {
-    (void)list.RegisterPhotoMetadataCB(ExifCollector()); // none without the component; has one result
-}
-
 BrowseFacts PhotoFacts(const CSFileListItem& item) {
     DcfExifInfo info = {};
     if (!DcfExifRead(item, &info)) {
@@ -56,12 +48,13 @@ BrowseFacts PhotoFacts(const CSFileListItem& item) {
     const char* turn = info.orientation > 1 ? DcfExifOrientationText(info.orientation) : nullptr;
     const std::string size =
         info.width > 0 && info.height > 0 ? std::to_string(info.width) + "x" + std::to_string(info.height) : "";
-    const BrowseFacts all = {
-        {"Taken", Escaped(info.date)},
-        {"Picture", size + (turn == nullptr ? "" : (size.empty() ? "" : ", ") + std::string(turn))},
-        {"Exposure", ExposureText(info)},
-        {"Lens", LensText(info)},
-        {"Place", info.hasPosition ? "known" : ""}};
+    const BrowseFacts all = {{"Taken", Escaped(info.date)},
+                             {"Picture", size},
+                             {"Upright", turn == nullptr ? "" : turn},
+                             {"Exposure", ExposureText(info)},
+                             {"ISO", info.iso > 0 ? std::to_string(info.iso) : ""},
+                             {"Lens", LensText(info)},
+                             {"Place", info.hasPosition ? "known" : ""}};
     BrowseFacts known;
     for (const auto& fact : all) {
         if (!fact.second.empty()) {

@@ -8,15 +8,11 @@
 #include <vector>
 
 #include "CSFileListItem.h"
-#include "ISFileList.h"
 
 namespace dcfctl {
 
 /// Names and what is to be said of them, escaped.
 using BrowseFacts = std::vector<std::pair<std::string, std::string>>;
-
-/// Lets the list collect metadata, where there is a collector.
-void CollectPhotoFacts(ISFileList& list);
 
 /// @param item from the file's second conversion on; the first carries no metadata.
 [[nodiscard]] BrowseFacts PhotoFacts(const CSFileListItem& item);

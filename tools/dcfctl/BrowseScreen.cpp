@@ -21,11 +21,13 @@
 
 #include "Phrases.h"
 #include "Streams.h"
+#include "Terminal.h"
 #include "Text.h"
 
 namespace dcfctl {
 namespace {
 
+constexpr std::wint_t kEscapeKey = 0x1b;
 constexpr const char* kInstead = "; 'dcfctl ls' lists the card and 'dcfctl shell' takes a script";
 
 // ---- Giving back in an emergency: prepared beforehand, because a signal handler may allocate and call next to nothing
@@ -253,7 +255,28 @@ std::optional<ScreenEvent> BrowseScreen::Key() {
     if (kind == KEY_CODE_YES) {
         return ScreenEvent{key == KEY_RESIZE ? ScreenEvent::Kind::kResize : ScreenEvent::Kind::kKey, key};
     }
-    return ScreenEvent{ScreenEvent::Kind::kCharacter, key};
+    return key == kEscapeKey ? AfterEscape() : ScreenEvent{ScreenEvent::Kind::kCharacter, key};
+}
+
+/// The sequence of a key that curses does not know of this terminal is taken whole, since its letters would pass for
+/// commands. The digits beside the letters are digits, which such sequences are on many terminals.
+ScreenEvent BrowseScreen::AfterEscape() {
+    std::wint_t next = 0;
+    const int kind = get_wch(&next);
+    if (kind == ERR) {
+        return {ScreenEvent::Kind::kCharacter, kEscapeKey};
+    }
+    if (kind == KEY_CODE_YES || (next != L'[' && next != L'O')) {
+        (void)(kind == KEY_CODE_YES ? ungetch(static_cast<int>(next)) : unget_wch(static_cast<wchar_t>(next)));
+        return {ScreenEvent::Kind::kCharacter, kEscapeKey};
+    }
+    std::wint_t last = 0;
+    while (get_wch(&last) == OK && next == L'[' && (last < L'@' || last > L'~')) {
+    }
+    if (next == L'O' && last >= L'p' && last <= L'y') {
+        return {ScreenEvent::Kind::kCharacter, L'0' + (last - L'p')};
+    }
+    return {ScreenEvent::Kind::kKey, next == L'O' && last == L'M' ? std::wint_t{KEY_ENTER} : 0};
 }
 
 ScreenEvent BrowseScreen::Wait(int other, int milliseconds) {
@@ -287,8 +310,9 @@ ScreenEvent BrowseScreen::Wait(int other, int milliseconds) {
 }
 
 void BrowseScreen::Resignal() {
-    if (g_signal != 0) {
-        (void)raise(g_signal); // its handler is the one from before
+    const int signal = g_signal != 0 ? g_signal : InterruptGuard::Signal();
+    if (signal != 0) {
+        (void)raise(signal); // its handler is the one from before
     }
 }
 

@@ -48,11 +48,12 @@ public:
     /// Enough of them for a picture.
     [[nodiscard]] bool HasManyColours() const;
 
-    /// After the screen is gone: ends the process by the signal that has come, if one has.
+    /// After the screen is gone: ends the process by the signal that has come, to the screen or to a work, if one has.
     static void Resignal();
 
 private:
     [[nodiscard]] std::optional<ScreenEvent> Key();
+    [[nodiscard]] static ScreenEvent AfterEscape();
     void TakeNewSize() const;
 
     int m_out;

@@ -1,9 +1,12 @@
 // The verb; see the header.
 #include "BrowseVerb.h"
 
+#include <string>
+
 #include "BrowseController.h"
 #include "BrowseModel.h"
 #include "BrowseScreen.h"
+#include "Terminal.h"
 
 namespace dcfctl {
 
@@ -24,9 +27,15 @@ ExitCode Browse(const CardOptions& card, Renderer& renderer, const Output& out) 
         renderer.SayError(refusal->text);
         return refusal->exit;
     }
+    std::string lastWord;
     {
         BrowseScreen screen(out.Descriptor(), out.HasColour());
-        BrowseController(model, screen).Run();
+        BrowseController controller(model, screen);
+        controller.Run();
+        lastWord = controller.Message();
+    }
+    if (InterruptGuard::Interrupted()) {
+        renderer.SayError(lastWord); // what became of the work, which nobody could read on the screen
     }
     BrowseScreen::Resignal();
     return ExitCode::kSuccess;

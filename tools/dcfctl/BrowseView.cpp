@@ -127,12 +127,12 @@ BrowseView::Size BrowseView::Screen() const {
     return {getmaxy(stdscr), getmaxx(stdscr)};
 }
 
-bool BrowseView::TooSmall() const {
+bool BrowseView::IsTooSmall() const {
     return Screen().rows < kLeastRows || Screen().columns < kLeastColumns;
 }
 
 int BrowseView::ListRows() const {
-    return TooSmall() ? 0 : Screen().rows - kAbove - kBelow;
+    return IsTooSmall() ? 0 : Screen().rows - kAbove - kBelow;
 }
 
 int BrowseView::ListColumns() const {
@@ -301,7 +301,7 @@ void BrowseView::Draw(const BrowseModel& model, const BrowseScene& scene, const 
     m_wanted = PreviewWish{};
     (void)erase();
     (void)curs_set(0);
-    if (TooSmall()) {
+    if (IsTooSmall()) {
         const std::string text =
             "too small: " + std::to_string(kLeastColumns) + "x" + std::to_string(kLeastRows) + " is needed; q leaves";
         int y = 0;

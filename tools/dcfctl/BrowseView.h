@@ -32,6 +32,7 @@ public:
 
     /// Rows of the list that fit on the screen as it is now; 0 when it is too small for any.
     [[nodiscard]] int ListRows() const;
+    [[nodiscard]] bool IsTooSmall() const;
     void Draw(const BrowseModel& model, const BrowseScene& scene, const Preview& preview);
     /// The picture that there was room for when it was drawn last: of no size when there was none.
     [[nodiscard]] const PreviewWish& Wanted() const {
@@ -45,7 +46,6 @@ private:
     };
 
     [[nodiscard]] Size Screen() const;
-    [[nodiscard]] bool TooSmall() const;
     [[nodiscard]] int ListColumns() const;
     void DrawTitle(const BrowseModel& model) const;
     void DrawRows(const BrowseModel& model, const BrowseScene& scene) const;

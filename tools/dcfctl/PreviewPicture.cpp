@@ -14,12 +14,7 @@
 #include <memory>
 
 #include "DcfNames.h"
-#if defined(__has_include)
-#if __has_include("PictureDecoder.h")
 #include "PictureDecoder.h"
-#define DCFCTL_HAS_THUMBNAILS
-#endif
-#endif
 
 namespace dcfctl {
 namespace {
@@ -138,7 +133,7 @@ PreviewCell CellAt(ChafaCanvas* canvas, int column, int row, bool colours) {
     return cell;
 }
 
-/// The thumbnail in the metadata, which is quickest and all that a raw picture has; else the picture itself.
+/// The thumbnail in the metadata, which is quickest; else the picture itself, or the one that a raw file brings.
 Pixels DecodeFile(const PreviewWish& wish) {
     const Room room = {wish.columns * kPointsPerCell, wish.rows * kPointsPerCell * 2};
     const eFileType type = TypeOfPath(wish.path);
@@ -146,12 +141,10 @@ Pixels DecodeFile(const PreviewWish& wish) {
     if (!jpeg && type != FILE_TYPE_SRW) {
         return nullptr;
     }
-#ifdef DCFCTL_HAS_THUMBNAILS
     if (Pixels pixels = Decode(DecodeHead(wish.path).thumbnail, room)) {
         return pixels;
     }
-#endif
-    return jpeg ? Decode(ReadPicture(wish.path), room) : nullptr;
+    return Decode(jpeg ? ReadPicture(wish.path) : DecodeScaled(wish.path, std::max(room.width, room.height)), room);
 }
 
 } // namespace

@@ -20,8 +20,8 @@ constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
 std::array<struct sigaction, 3> g_before;
 volatile std::sig_atomic_t g_interrupted = 0;
 
-extern "C" void RememberInterruption(int /*signal*/) {
-    g_interrupted = 1;
+extern "C" void RememberInterruption(int signal) {
+    g_interrupted = signal;
 }
 
 /// Without the line's end. @return false at the end of the input.
@@ -118,6 +118,10 @@ InterruptGuard::~InterruptGuard() {
 
 bool InterruptGuard::Interrupted() {
     return g_interrupted != 0;
+}
+
+int InterruptGuard::Signal() {
+    return g_interrupted;
 }
 
 } // namespace dcfctl

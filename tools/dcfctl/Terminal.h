@@ -53,7 +53,10 @@ public:
     InterruptGuard& operator=(const InterruptGuard&) = delete;
     ~InterruptGuard();
 
+    /// During the last one of these.
     [[nodiscard]] static bool Interrupted();
+    /// By which signal; 0 for none.
+    [[nodiscard]] static int Signal();
 };
 
 } // namespace dcfctl

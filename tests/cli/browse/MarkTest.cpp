@@ -143,6 +143,7 @@ TEST_F(Marking, ProtectedFilesAreKept) {
     playback.Type(" 2\r ");
     ASSERT_TRUE(playback.Answers("d", "1 file protected and kept")) << playback.Text();
     ASSERT_TRUE(playback.Answers("y", "Deleted 1 file")) << playback.Text();
+    EXPECT_TRUE(playback.Hides("selected ")) << "nor are they selected any more\n" << playback.Text();
     EXPECT_EQ((Words{"KVR_0001.JPG", "KVR_0001.SRW", "KVR_0003.JPG"}), m_card.Names("100ABCDE"));
 }
 
@@ -169,6 +170,28 @@ TEST_F(Marking, NothingIsDeletedWhenTheCardChangesWhileTheQuestionStands) {
     ASSERT_TRUE(playback.Answers("y", "nothing is deleted")) << playback.Text();
     EXPECT_TRUE(m_card.Exists("100ABCDE", "KVR_0001.JPG"));
     EXPECT_TRUE(m_card.Exists("100ABCDE", "KVR_0001.SRW"));
+}
+
+TEST_F(Marking, NothingIsDeletedWhenAFileIsProtectedWhileTheQuestionStands) {
+    Playback playback(m_card.Root());
+    playback.Type("1\r 2\r ");
+    ASSERT_TRUE(playback.Answers("d", "Delete 2 files")) << playback.Text();
+    m_card.SetMode("100ABCDE", "KVR_0002.JPG", 0444);
+    ASSERT_TRUE(playback.Answers("y", "the card has changed since the question")) << playback.Text();
+    EXPECT_EQ(4U, m_card.Names("100ABCDE").size());
+}
+
+TEST_F(Marking, TellsWhatCouldNotBeDeletedAndChangesNothingMore) {
+    clitest::Options broken = clitest::ColourTerminal();
+    broken.environment["LD_PRELOAD"] = CLI_CHANGE_SHIM;
+    broken.environment["CLI_CHANGE_SHIM"] = "keep-files,no-sync";
+    Playback playback(m_card.Root(), broken);
+    ASSERT_TRUE(playback.IsAt(0));
+    ASSERT_TRUE(playback.Answers("d", "Delete 1 file")) << playback.Text();
+    ASSERT_TRUE(playback.Answers("y", "of what was to be deleted, this is still on the card")) << playback.Text();
+    EXPECT_TRUE(playback.Answers("p", "the card is no longer as it was listed")) << playback.Text();
+    ASSERT_TRUE(playback.Answers("r", "The card was listed anew.")) << playback.Text();
+    EXPECT_TRUE(playback.Answers("p", "1 file protected")) << playback.Text();
 }
 
 TEST_F(Marking, WaitsForAnotherRunThatChangesTheCard) {

@@ -35,6 +35,7 @@ protected:
 TEST_F(Browsing, BeginsOnTheFirstFileAndShowsWhatIsKnownOfIt) {
     Playback playback(m_card.Root());
     ASSERT_TRUE(playback.IsAt(0)) << playback.Text();
+    ASSERT_TRUE(playback.Shows("q leave")) << "drawn to the end\n" << playback.Text();
     EXPECT_NE(playback.Line(0).find(m_card.Root()), std::string::npos) << playback.Text();
     EXPECT_NE(playback.Line(0).find("5 files"), std::string::npos);
     EXPECT_TRUE(playback.Shows("\n> P    0 JPG     101ABCDE/KVR_0003.")) << playback.Text();
@@ -121,6 +122,24 @@ TEST_F(Browsing, ANumberGoesToThatPosition) {
     playback.Type(kEscape);
     ASSERT_TRUE(playback.Hides("Position: 1")) << playback.Text();
     EXPECT_TRUE(playback.IsAt(3)) << "the cursor has not moved";
+}
+
+TEST_F(Browsing, TheDigitsBesideTheLettersAreDigits) {
+    Playback playback(m_card.Root());
+    ASSERT_TRUE(playback.IsAt(0));
+    ASSERT_TRUE(playback.Answers("\x1bOs", "Position: 3")) << playback.Text();
+    playback.Type("\x1bOM");
+    EXPECT_TRUE(playback.IsAt(3)) << playback.Text();
+}
+
+TEST_F(Browsing, AnUnknownKeyDoesNothing) {
+    Playback playback(m_card.Root());
+    ASSERT_TRUE(playback.IsAt(0));
+    playback.Type("\x1b[99;9d\x1b[d\x1b[9 p\x1bOR\x1b[w"); // "d" alone would ask, "p" would protect
+    playback.Type(clitest::kArrowDown);
+    ASSERT_TRUE(playback.IsAt(1)) << playback.Text();
+    EXPECT_EQ(playback.Text().find("Delete?"), std::string::npos) << playback.Text();
+    EXPECT_EQ(playback.Quit(), clitest::kSuccess);
 }
 
 TEST_F(Browsing, APathIsTakenInEveryFormAndInPart) {

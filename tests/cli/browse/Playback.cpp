@@ -2,6 +2,7 @@
 #include "Playback.h"
 
 #include <chrono>
+#include <cstdlib>
 
 namespace clitest {
 namespace {
@@ -182,6 +183,25 @@ bool Playback::HasColour() const {
         }
     }
     return false;
+}
+
+int Playback::TintWidth(dcfctl::Colour colour) const {
+    const auto is = [&](VTermColor shown) {
+        constexpr int kNear = 48; // a palette of 256 has none that is further off
+        vterm_screen_convert_color_to_rgb(m_screen, &shown);
+        return std::abs(shown.rgb.red - colour.red) <= kNear && std::abs(shown.rgb.green - colour.green) <= kNear &&
+               std::abs(shown.rgb.blue - colour.blue) <= kNear;
+    };
+    int columns = 0;
+    for (int column = 0; column < m_size.columns; ++column) {
+        bool here = false;
+        for (int row = 0; row < m_size.rows && !here; ++row) {
+            const VTermScreenCell cell = Cell(row, column);
+            here = is(cell.fg) || is(cell.bg);
+        }
+        columns += here ? 1 : 0;
+    }
+    return columns;
 }
 
 } // namespace clitest

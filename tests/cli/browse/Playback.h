@@ -10,6 +10,7 @@
 
 #include "Card.h"
 #include "Cli.h"
+#include "Jpeg.h"
 #include "Terminal.h"
 
 namespace clitest {
@@ -67,6 +68,12 @@ public:
     }
     /// Whether any character has a colour of its own.
     [[nodiscard]] bool HasColour() const;
+    /// Whether any character has about this colour.
+    [[nodiscard]] bool HasTint(dcfctl::Colour colour) const {
+        return TintWidth(colour) > 0;
+    }
+    /// In how many columns there is one.
+    [[nodiscard]] int TintWidth(dcfctl::Colour colour) const;
     /// Whether the terminal is as the person had it: its modes, its screen, its cursor.
     [[nodiscard]] bool IsGivenBack() const {
         return m_terminal.IsAsAtTheStart() && !m_otherScreen && m_cursorShown;
