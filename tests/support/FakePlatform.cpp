@@ -70,6 +70,8 @@ void FakePlatform::Reset() {
     m_forcedGet.reset();
     m_setResult = 0;
     m_atPrefSet = nullptr;
+    m_afterPrefSet = nullptr;
+    m_atPrefGet = nullptr;
     m_propertyCalls.clear();
     m_propertyResult = 0;
     m_backtraces = 0;
@@ -127,6 +129,16 @@ void FakePlatform::AtPrefSet(std::function<void()> action) {
     m_atPrefSet = std::move(action);
 }
 
+void FakePlatform::AfterPrefSet(std::function<void(long)> action) {
+    const std::lock_guard lock(m_mutex);
+    m_afterPrefSet = std::move(action);
+}
+
+void FakePlatform::AtPrefGet(std::function<std::optional<long>()> answer) {
+    const std::lock_guard lock(m_mutex);
+    m_atPrefGet = std::move(answer);
+}
+
 std::vector<PrefCall> FakePlatform::PrefCalls() {
     const std::lock_guard lock(m_mutex);
     return m_prefCalls;
@@ -157,7 +169,9 @@ void FakePlatform::Log(LogLine line) {
 long FakePlatform::PrefGet(int group, int key) {
     const std::lock_guard lock(m_mutex);
     const auto found = m_preferences.find({group, key});
-    const long value = m_forcedGet.value_or(found == m_preferences.end() ? 0 : found->second);
+    std::optional<long> forced = m_atPrefGet ? m_atPrefGet() : std::nullopt;
+    forced = forced ? forced : m_forcedGet;
+    const long value = forced.value_or(found == m_preferences.end() ? 0 : found->second);
     m_prefCalls.push_back({false, group, key, value});
     return value;
 }
@@ -172,6 +186,9 @@ int FakePlatform::PrefSet(int group, int key, long value) {
     m_prefCalls.push_back({true, group, key, value});
     if (m_setResult == 0) {
         m_preferences[{group, key}] = value;
+        if (m_afterPrefSet) {
+            m_afterPrefSet(value);
+        }
     }
     return m_setResult;
 }

@@ -63,6 +63,10 @@ public:
     void SetPrefSetResult(int result);
     /// Runs at every pref_set_long from now on, before anything is stored; an empty one ends it.
     void AtPrefSet(std::function<void()> action);
+    /// Runs with the value behind every pref_set_long that stored one; an empty one ends it.
+    void AfterPrefSet(std::function<void(long)> action);
+    /// Asked at every pref_get_long for a value to hand out instead; an empty one ends it.
+    void AtPrefGet(std::function<std::optional<long>()> answer);
     std::vector<PrefCall> PrefCalls();
 
     using PropertyCall = std::array<int, 4>;
@@ -86,6 +90,8 @@ private:
     std::optional<long> m_forcedGet;
     int m_setResult = 0;
     std::function<void()> m_atPrefSet;
+    std::function<void(long)> m_afterPrefSet;
+    std::function<std::optional<long>()> m_atPrefGet;
     std::vector<PropertyCall> m_propertyCalls;
     int m_propertyResult = 0;
     int m_backtraces = 0;

@@ -31,6 +31,9 @@ class PosixSeam {
 public:
     /// Exit status of a process that CutPowerAfterChange() ended.
     static constexpr int kPowerCutStatus = 77;
+    /// Stands in Fail() and FailFrom() for every call that reaches the card and can fail for it: as when the card is
+    /// taken out.
+    static constexpr const char* kEveryCardCall = "card";
 
     /// Arms for the calling thread until destruction. Only one per thread.
     PosixSeam();

@@ -188,6 +188,7 @@ private:
     // ReferenceTree.cpp: listing, numbers, paths.
     void ListTree(bool includeCamera);
     void ListDirectory(RefDir& dir, int base);
+    bool ReadTimes(std::size_t files);
     void AddItem(RefDir& dir, const std::string& name, int number, bool atHead, std::uint32_t time, int dirNumber);
     int DirIndex(int dnum);
     int DirIndexByName(const std::string& path);

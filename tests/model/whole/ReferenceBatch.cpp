@@ -204,8 +204,9 @@ int Reference::SetFilePrefix(const char* prefix) {
 std::tm Reference::LocalDate() {
     card.Note("time");
     card.Note("localtime");
+    (void)card.faults.Fails("time"); // what is asked for local time does not show
     std::tm date = clock.local;
-    if (clock.broken) {
+    if (card.faults.Fails("localtime") || clock.broken) {
         date.tm_mon = 0;
         date.tm_mday = 1;
     }

@@ -55,6 +55,9 @@ const CardFile* ReferenceCard::File(const std::string& path) const {
 
 std::optional<mode_t> ReferenceCard::Stat(const std::string& path) {
     Note("stat " + path);
+    if (faults.Fails("stat")) {
+        return std::nullopt;
+    }
     const Place place = Find(path);
     if (place.file != nullptr) {
         return place.file->mode;
@@ -67,6 +70,9 @@ std::optional<mode_t> ReferenceCard::Stat(const std::string& path) {
 
 bool ReferenceCard::Chmod(const std::string& path, mode_t mode) {
     Note("chmod " + path + " " + ModeText(mode));
+    if (faults.Fails("chmod")) {
+        return false;
+    }
     const Place place = Find(path);
     if (place.file != nullptr) {
         place.file->mode = mode;
@@ -75,6 +81,7 @@ bool ReferenceCard::Chmod(const std::string& path, mode_t mode) {
     } else {
         return false;
     }
+    faults.Changed();
     return true;
 }
 
@@ -86,6 +93,7 @@ bool ReferenceCard::Take(const std::string& path, bool alsoFolders) {
             return false;
         }
         folders[place.folderName].files.erase(place.fileName);
+        faults.Changed();
         return true;
     }
     if (place.folder != nullptr) {
@@ -93,6 +101,7 @@ bool ReferenceCard::Take(const std::string& path, bool alsoFolders) {
             return false;
         }
         folders.erase(place.folderName);
+        faults.Changed();
         return true;
     }
     return false;
@@ -100,22 +109,26 @@ bool ReferenceCard::Take(const std::string& path, bool alsoFolders) {
 
 bool ReferenceCard::Unlink(const std::string& path) {
     Note("unlink " + path);
-    return Take(path, false);
+    return !faults.Fails("unlink") && Take(path, false);
 }
 
 bool ReferenceCard::Remove(const std::string& path) {
     Note("remove " + path);
-    return Take(path, true);
+    return !faults.Fails("remove") && Take(path, true);
 }
 
 bool ReferenceCard::Rename(const std::string& from, const std::string& to) {
     Note("rename " + from + " " + to);
+    if (faults.Fails("rename")) {
+        return false;
+    }
     const Place source = Find(from);
     const Place target = Find(to);
     if (source.folder == nullptr) {
         return false;
     }
     if (source.folderName == target.folderName) {
+        faults.Changed();
         return true;
     }
     if (target.folder != nullptr && (source.folder->plain != target.folder->plain || !target.folder->files.empty())) {
@@ -124,26 +137,33 @@ bool ReferenceCard::Rename(const std::string& from, const std::string& to) {
     const CardFolder moved = *source.folder;
     folders.erase(source.folderName);
     folders[target.folderName] = moved;
+    faults.Changed();
     return true;
 }
 
 bool ReferenceCard::Mkdir(const std::string& path, mode_t mode) {
     Note("mkdir " + path + " " + ModeText(mode));
-    if (path == root + "/DCIM") {
-        const bool made = !dcim;
-        dcim = true;
-        return made;
-    }
-    const Place place = Find(path);
-    if (!dcim || place.folder != nullptr) {
+    if (faults.Fails("mkdir")) {
         return false;
     }
-    folders[place.folderName].mode = mode;
+    const Place place = Find(path);
+    if (path == root + "/DCIM" ? dcim : !dcim || place.folder != nullptr) {
+        return false;
+    }
+    if (path == root + "/DCIM") {
+        dcim = true;
+    } else {
+        folders[place.folderName].mode = mode;
+    }
+    faults.Changed();
     return true;
 }
 
 bool ReferenceCard::OpenDir(const std::string& path) {
     Note("opendir " + path);
+    if (faults.Fails("opendir")) {
+        return false;
+    }
     const Place place = Find(path);
     return place.dcim || (place.folder != nullptr && !place.folder->plain);
 }
@@ -158,6 +178,9 @@ void ReferenceCard::Sync() {
 
 std::optional<std::vector<std::string>> ReferenceCard::Scan(const std::string& path) {
     Note("scandir " + path);
+    if (faults.Fails("scandir")) {
+        return std::nullopt;
+    }
     const Place place = Find(path);
     std::vector<std::string> names;
     if (place.dcim) {
@@ -209,8 +232,10 @@ bool ReferenceCard::IsDirEmpty(const std::string& path) {
     if (!OpenDir(path)) {
         return true;
     }
+    // Three entries are asked for, the two dot entries among them; an error looks like the end.
+    const bool unreadable = faults.Fails("readdir") || faults.Fails("readdir") || faults.Fails("readdir");
     const Place place = Find(path);
-    return place.folder == nullptr || place.folder->files.empty();
+    return unreadable || place.folder == nullptr || place.folder->files.empty();
 }
 
 } // namespace dcftest

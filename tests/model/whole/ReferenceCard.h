@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "CallFaults.h"
+
 namespace dcftest {
 
 struct CardFile {
@@ -69,6 +71,7 @@ public:
     const CardFile* File(const std::string& path) const;
 
     std::vector<std::string> calls;
+    CallFaults faults;
 
 private:
     struct Place {

@@ -160,7 +160,8 @@ int Reference::TreeGetNewFileName(const std::string& prefix, const std::string& 
     const std::string name = prefix + number.data() + "." + ext;
     (void)std::snprintf(out.data(), out.size(), "%s", name.c_str());
     card.Note("time");
-    AddItem(tree->dirs.front(), name, fnum, true, static_cast<std::uint32_t>(clock.now), index / 100000);
+    const std::time_t now = card.faults.Fails("time") ? -1 : clock.now;
+    AddItem(tree->dirs.front(), name, fnum, true, static_cast<std::uint32_t>(now), index / 100000);
     (void)std::snprintf(out.data(), out.size(), "%s/DCIM/%s/%s", tree->root.c_str(), tree->dirs.front().name.c_str(),
                         name.c_str());
     ++tree->total;

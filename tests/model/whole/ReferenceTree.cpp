@@ -165,6 +165,7 @@ void Reference::ListDirectory(RefDir& dir, int /*base*/) {
     std::copy_if(scanned->begin(), scanned->end(), std::back_inserter(names),
                  [camera](const std::string& name) { return name.size() == (camera ? 19U : 12U); });
     std::sort(names.begin(), names.end(), FileBefore);
+    const bool timeless = !names.empty() && !ReadTimes(names.size());
     int previous = 0;
     for (const std::string& name : names) {
         const std::string upper = Upper(name);
@@ -174,13 +175,29 @@ void Reference::ListDirectory(RefDir& dir, int /*base*/) {
             continue;
         }
         if (number != previous) {
-            const std::uint32_t time = card.folders.at(dir.name).files.at(name).time;
+            const std::uint32_t time = timeless ? 0 : card.folders.at(dir.name).files.at(name).time;
             AddItem(dir, upper, number, false, time, dir.number);
             previous = number;
         } else if ((type == 1 || type == 2) && !dir.items.empty()) {
             dir.items.back().object = type;
         }
     }
+}
+
+/// Which file loses its time by a look that fails depends on the order in which the folder holds them, so that is not
+/// foreseen.
+bool Reference::ReadTimes(std::size_t files) {
+#ifndef DCF_ENTRY_TIME_DIRENT
+    if (card.faults.Fails("open")) {
+        return false;
+    }
+    for (std::size_t i = 0; i < files; ++i) {
+        (void)card.faults.Fails("fstatat");
+    }
+#else
+    (void)files;
+#endif
+    return true;
 }
 
 void Reference::AddItem(RefDir& dir, const std::string& name, int number, bool atHead, std::uint32_t time,
@@ -312,7 +329,7 @@ int Reference::FirstIndex() {
 }
 
 long Reference::ReadSeries() {
-    const long value = storedSeries.value_or(0);
+    const long value = card.faults.Fails("pref_get") ? card.faults.value : storedSeries.value_or(0);
     effects.prefCalls.push_back({false, 3, 512, value});
     return value;
 }
@@ -323,8 +340,9 @@ void Reference::StoreSeries(int value) {
 
 void Reference::Store(long value) {
     effects.prefCalls.push_back({true, 3, 512, value});
-    if (!storeFails) {
+    if (!card.faults.Fails("pref_set") && !storeFails) {
         storedSeries = value;
+        card.faults.Changed();
     }
 }
 
@@ -336,7 +354,7 @@ void Reference::ApplySeries() {
     if (value != 99909999) {
         if (value > tree->firstIndex) {
             Met("first index raised by the series");
-            tree->firstIndex = static_cast<int>(value);
+            tree->firstIndex = value > 2147483647L ? 2147483647 : static_cast<int>(value);
         }
     } else if (tree->firstIndex != 99909999) {
         Met("exhausted series restarted");

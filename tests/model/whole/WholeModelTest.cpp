@@ -24,6 +24,7 @@
 
 #include "AssertionDeath.h"
 #include "CSDCFList.h"
+#include "CapturedOutput.h"
 #include "Card.h"
 #include "FakePlatform.h"
 #include "Operations.h"
@@ -47,32 +48,6 @@ void PreferMemory() {
         (void)::setenv("TMPDIR", "/dev/shm", 1);
     }
 }
-
-/// Standard output as a text while it stands.
-class CapturedOutput {
-public:
-    CapturedOutput() : m_saved(stdout) {
-        (void)std::fflush(stdout);
-        stdout = ::open_memstream(&m_text, &m_size);
-    }
-    ~CapturedOutput() {
-        (void)std::fclose(stdout);
-        stdout = m_saved;
-        std::free(m_text);
-    }
-    CapturedOutput(const CapturedOutput&) = delete;
-    CapturedOutput& operator=(const CapturedOutput&) = delete;
-
-    std::string Text() const {
-        (void)std::fflush(stdout);
-        return {m_text, m_size};
-    }
-
-private:
-    FILE* m_saved;
-    char* m_text = nullptr;
-    std::size_t m_size = 0;
-};
 
 template <typename List>
 std::string Join(const List& texts) {
