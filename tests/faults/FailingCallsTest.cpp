@@ -339,7 +339,11 @@ void ExpectMet(const Sweep& sweep, const std::vector<std::string>& events) {
 }
 
 TEST(FailingCalls, ListingsThatFailLeaveWhatCouldBeRead) {
+#ifdef DCF_ENTRY_TIME_DIRENT
+    Sweep().Run({"scandir"}); // no file is looked at for its time
+#else
     Sweep().Run({"scandir", "open", "fstatat"});
+#endif
 }
 
 TEST(FailingCalls, FoldersThatCannotBeReadNeverCostAFile) {
