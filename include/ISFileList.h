@@ -71,8 +71,8 @@ public:
     /// A directory with files in the list that holds nothing more on the card leaves the list during the walk (emptied
     /// by this call or by somebody else before it, or one that cannot be opened or read). The directory behind it is
     /// then passed over, and positions meant for it delete the files at those positions of the directory after that.
-    /// Select within one directory at a time, the last one first, or use Delete(), where every file has to be the right
-    /// one.
+    /// Select within one directory at a time, the last one first, which is safe as long as every directory in front of
+    /// it can be opened and read; or use Delete(), where every file has to be the right one.
     /// @return 0. With an empty selection it throws std::out_of_range.
     /// Fatal before Listup() ("now m_pDCF is NULL") and when the first selected position lies beyond the list
     /// afterwards ("invalid").

@@ -337,16 +337,22 @@ std::multiset<std::set<std::string>> FilesByFolder(const ReferenceCard& card) {
     return all;
 }
 
-bool NamesWhatItDeletes(const Scene& scene) {
+bool NamesWhatItDeletes(const Scene& scene, bool unreadable) {
     const Reference& list = scene.before.list;
     if (scene.operation.name != "DeleteSel" || !list.tree) {
         return true;
     }
     std::set<std::string> folders;
+    const auto folderOf = [&](int position) {
+        const std::string path = list.PathAt(position);
+        return path.substr(0, path.rfind('/'));
+    };
+    if (unreadable && list.FilesInTree() > 0) {
+        folders.insert(folderOf(0));
+    }
     for (const int position : list.selection) {
         if (position >= 0 && position < list.FilesInTree()) {
-            const std::string path = list.PathAt(position);
-            folders.insert(path.substr(0, path.rfind('/')));
+            folders.insert(folderOf(position));
         }
     }
     return folders.size() < 2;
