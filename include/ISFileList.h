@@ -66,12 +66,13 @@ public:
     virtual int Delete(CSFileListItem* item) = 0;
 
     /// Deletes the selected files but for the protected ones, moves the cursor to the position before the first
-    /// selected one and empties the selection.
+    /// selected one and empties the selection. A file whose protection cannot be read counts as unprotected.
     ///
     /// A directory with files in the list that holds nothing more on the card leaves the list during the walk (emptied
-    /// by this call or by somebody else before it, or one that cannot be opened). The directory behind it is then
-    /// passed over, and positions meant for it delete the files at those positions of the directory after that. Select
-    /// within one directory at a time, the last one first, or use Delete(), where every file has to be the right one.
+    /// by this call or by somebody else before it, or one that cannot be opened or read). The directory behind it is
+    /// then passed over, and positions meant for it delete the files at those positions of the directory after that.
+    /// Select within one directory at a time, the last one first, which is safe as long as every directory in front of
+    /// it can be opened and read; or use Delete(), where every file has to be the right one.
     /// @return 0. With an empty selection it throws std::out_of_range.
     /// Fatal before Listup() ("now m_pDCF is NULL") and when the first selected position lies beyond the list
     /// afterwards ("invalid").
@@ -151,8 +152,9 @@ public:
     /// hands out the path under which the client is to write it. The file stands in the list before it is on the card:
     /// a client that cannot write it takes it back with GetCurrent() and Delete(). The cursor moves to it; the series
     /// value is stored, in series mode or not. A directory that cannot be made shows as "make directory fail" on
-    /// standard output and is no error here. Files in a new directory read as unprotected until they are protected
-    /// through the list or the card is listed again.
+    /// standard output and is no error here. So does one that is there and cannot be opened just then: it is entered a
+    /// second time, and what is in the first one can be looked up only after a new listing. Files in a new directory
+    /// read as unprotected until they are protected through the list or the card is listed again.
     /// @param out receives the path; 396 bytes.
     /// @param type an eFileType value with an extension.
     /// @return 0; -1 before Listup(), for a null out, when the numbers are used up or the list holds more than 99,999

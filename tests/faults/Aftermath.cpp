@@ -40,11 +40,12 @@ int OpenDescriptors() {
     return count;
 }
 
-std::string LostFiles(const Scene& scene, const ReferenceCard& now, bool examined) {
+std::string LostFiles(const Scene& scene, const ReferenceCard& now, const std::string& failing) {
     if (scene.operation.name == "RenameDCFFullStorage") {
         return FilesByFolder(scene.before.list.card) == FilesByFolder(now) ? "" : "  a directory's files are gone\n";
     }
-    if (!NamesWhatItDeletes(scene)) {
+    const bool takenOut = failing == PosixSeam::kEveryCardCall;
+    if (!NamesWhatItDeletes(scene, takenOut || failing == "opendir" || failing == "readdir")) {
         return "";
     }
     CallFaults blind;
@@ -53,7 +54,8 @@ std::string LostFiles(const Scene& scene, const ReferenceCard& now, bool examine
     blind.persistent = true;
     const std::set<std::string> after = FilesOf(now);
     std::string lost;
-    for (const std::string& file : FilesOf(Foresee(scene, examined ? CallFaults{} : blind).after.list.card)) {
+    for (const std::string& file :
+         FilesOf(Foresee(scene, takenOut || failing == "stat" ? blind : CallFaults{}).after.list.card)) {
         if (after.count(file) == 0) {
             lost += "  " + file + " is gone\n";
         }

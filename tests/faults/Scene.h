@@ -74,7 +74,8 @@ std::multiset<std::set<std::string>> FilesByFolder(const ReferenceCard& card);
 
 /// Whether an operation names the files that it may delete, so that every other one has to stay: a set from one
 /// directory, an item, all. Deliberate oddities of DeleteSel() across directories are the reference's business.
-bool NamesWhatItDeletes(const Scene& scene);
+/// @param unreadable whether directories cannot be read: then a set has to be one of the first directory's files.
+bool NamesWhatItDeletes(const Scene& scene, bool unreadable);
 
 } // namespace dcftest
 

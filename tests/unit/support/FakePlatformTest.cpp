@@ -95,6 +95,24 @@ TEST_F(FakePlatformTest, RunsAnActionBeforeEachStore) {
     EXPECT_EQ(m_platform.Preference(3, 512), 3);
 }
 
+TEST_F(FakePlatformTest, RunsAnActionBehindEachStoreThatSucceeded) {
+    std::vector<long> stored;
+    m_platform.AfterPrefSet([&](long value) { stored.push_back(value); });
+    EXPECT_EQ(0, pref_set_long(3, 512, 5));
+    m_platform.SetPrefSetResult(-1);
+    EXPECT_EQ(-1, pref_set_long(3, 512, 6));
+    EXPECT_EQ(std::vector<long>{5}, stored);
+}
+
+TEST_F(FakePlatformTest, HandsOutWhatItIsAnsweredForAsLongAsItIs) {
+    m_platform.SetPreference(3, 512, 5);
+    int asked = 0;
+    m_platform.AtPrefGet([&] { return ++asked == 1 ? std::optional<long>(-1) : std::nullopt; });
+    EXPECT_EQ(-1, pref_get_long(3, 512));
+    EXPECT_EQ(5, pref_get_long(3, 512));
+    EXPECT_EQ(2, asked);
+}
+
 TEST_F(FakePlatformTest, CountsBacktraces) {
     vell_print_backtrace();
     vell_print_backtrace();
@@ -132,6 +150,8 @@ TEST_F(FakePlatformTest, StartsAgainAfterAReset) {
     m_platform.SetPrefSetResult(-1);
     m_platform.ForcePrefGet(8);
     m_platform.AtPrefSet([] { ADD_FAILURE() << "outlived the reset"; });
+    m_platform.AfterPrefSet([](long /*value*/) { ADD_FAILURE() << "outlived the reset"; });
+    m_platform.AtPrefGet([] { return std::optional<long>(9); });
     m_platform.Reset();
     EXPECT_EQ(m_platform.Backtraces(), 0);
     EXPECT_TRUE(m_platform.PrefCalls().empty());

@@ -159,6 +159,20 @@ TEST_F(PosixSeamTest, FailsFromTheNthCallOnPersistently) {
     EXPECT_TRUE(m_card.Exists("100ABCDE", DcfName(1)));
 }
 
+TEST_F(PosixSeamTest, FailsEveryCallThatReachesTheCardAsWhenItIsTakenOut) {
+    PosixSeam seam;
+    seam.FailFrom(PosixSeam::kEveryCardCall, ENODEV, 2);
+    struct stat status {};
+    EXPECT_EQ(0, stat(File().c_str(), &status)) << "the first one goes through";
+    EXPECT_EQ(-1, stat(File().c_str(), &status));
+    EXPECT_EQ(ENODEV, errno);
+    EXPECT_EQ(nullptr, opendir(Dir().c_str()));
+    EXPECT_EQ(-1, chmod(File().c_str(), 0600));
+    EXPECT_EQ(-1, CountEntries(Dir()));
+    EXPECT_NE(-1, time(nullptr)) << "the clock is not on the card";
+    EXPECT_EQ(4, seam.Fired());
+}
+
 TEST_F(PosixSeamTest, EveryCallThatCanFailFailsAsItDoes) {
     struct stat status {};
     DIR* dir = ::opendir(Dir().c_str());
