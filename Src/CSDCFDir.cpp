@@ -59,7 +59,7 @@ void CSDCFDir::NoteChange() {
 
 // The scan.
 
-int CSDCFDir::Listup(char* root, int dnum, int base) {
+int CSDCFDir::Listup(char* root, int dnum, int base) { // NOLINT(readability-non-const-parameter): as clients know it
     char path[KELP_DCF_MAX_FILE_NAME_LEN];
     kelp::Join(path, sizeof path, {root, "/", kelp::kDcimName, "/", m_strDirName});
     PCSDCFFSIO listing(path, false);

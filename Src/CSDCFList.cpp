@@ -651,13 +651,13 @@ void CSDCFList::Delete(const std::vector<int>& indices) {
         }
         std::vector<int> deleted;
         const std::vector<int> collected = PositionsBetween(indices, ascending, base, base + count);
-        for (auto position = collected.rbegin(); position != collected.rend(); ++position) {
-            DCFItem item = dir.GetItem(*position);
+        std::for_each(collected.rbegin(), collected.rend(), [&](int position) {
+            DCFItem item = dir.GetItem(position);
             if (!item.getProtect()) {
                 RemoveFromCard(item, didx);
-                deleted.push_back(*position);
+                deleted.push_back(position);
             }
-        }
+        });
         std::reverse(deleted.begin(), deleted.end());
         dir.RemoveItems(deleted);
         DropDirectoryIfEmpty(didx);

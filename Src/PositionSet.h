@@ -21,7 +21,7 @@ public:
     }
     bool Contains(int position) const {
         return IsListed(position) ? Slot(position) < m_listed.size() && m_listed[Slot(position)]
-                                  : m_others.count(position) != 0;
+                                  : m_others.contains(position);
     }
     /// The position must not be a member.
     void Insert(int position) {

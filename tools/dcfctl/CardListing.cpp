@@ -122,7 +122,7 @@ void CardListing::AddMetadata(std::vector<FileEntry>& entries) {
     int missing = 0;
     (void)m_session->List().RegisterPhotoMetadataCB(Collect); // has one result
     for (FileEntry& entry : entries) {
-        const bool isMisled = misled.count(entry.position) > 0;
+        const bool isMisled = misled.contains(entry.position);
         entry.metadataMissing = isMisled || !entry.details.has_value();
         missing += isMisled ? 1 : 0;
         if (!entry.metadataMissing) {
