@@ -139,10 +139,24 @@ std::optional<Finding> Numbering::ChooseFolder(const std::string& wanted, bool r
     return std::nullopt;
 }
 
+/// The list looks at one number only: behind a folder of another kind it takes the next number, whoever has that.
+std::optional<Finding> Numbering::CheckNewFolder(const NewName& name) const {
+    const auto other = std::find_if(m_folders.begin(), m_folders.end(), [&name](const auto& folder) {
+        return folder.number == name.folderNumber && folder.name != name.folder;
+    });
+    if (other == m_folders.end()) {
+        return std::nullopt;
+    }
+    return Refused(kSharedFolderNumber, "the new file would need the new folder " +
+                                            Quoted(m_start.dcim + "/" + name.folder) +
+                                            ", which would share its number with " + Quoted(other->name) +
+                                            "; give that one another number first");
+}
+
 std::optional<Finding> Numbering::CheckPlace(const NewName& name) {
     const std::string folder = m_start.dcim + "/" + name.folder;
     if (m_made.contains(name.folder)) {
-        return std::nullopt; // it will be empty
+        return CheckNewFolder(name); // it will be empty
     }
     if (m_report.ambiguous.contains(name.folder)) {
         return Refused(kSharedFolderNumber, "the new file would go into " + Quoted(folder) +

@@ -57,6 +57,7 @@ private:
     [[nodiscard]] std::optional<Finding> ChooseNumber(const std::string& suffix, NewName& name, bool& required) const;
     [[nodiscard]] std::optional<Finding> ChooseFolder(const std::string& wanted, bool required, NewName& name);
     [[nodiscard]] std::optional<Finding> PrepareFolder(const std::string& wanted, NewName& name);
+    [[nodiscard]] std::optional<Finding> CheckNewFolder(const NewName& name) const;
     [[nodiscard]] std::optional<Finding> CheckPlace(const NewName& name);
     [[nodiscard]] bool Exists(const std::string& folder) const;
 

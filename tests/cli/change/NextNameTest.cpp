@@ -232,6 +232,16 @@ TEST(NextName, IsNeverInCameraWhateverStandsBesideIt) {
     }
 }
 
+TEST(NextName, RefusesANewFolderThatWouldShareItsNumber) {
+    ChangeCard card;
+    card.AddDir("100ZZZZZ").AddDir("101ABCDE");
+    ExpectRefusal(card, {},
+                  "the new file would need the new folder '" + card.Dcim() +
+                      "/101PHOTO', which would share its number with '101ABCDE'; give that one another number first",
+                  clitest::kRefused);
+    EXPECT_EQ((Words{"100ZZZZZ", "101ABCDE"}), card.DirNames());
+}
+
 TEST(NextName, RefusesANumberThatAFileOutsideTheListHas) {
     ChangeCard card;
     // Alone in its folder, a file with number 0 is left out of the list; its folder counts as empty. The series value
