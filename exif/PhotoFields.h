@@ -1,4 +1,4 @@
-// From the entries of EXIF to the fields of PhotoInfo, as include/DcfExif.h gives them. Pure functions.
+// From the entries of EXIF to the fields of PhotoInfo, as exif/include/DcfExif.h gives them. Pure functions.
 #ifndef DCFEXIF_PHOTO_FIELDS_H
 #define DCFEXIF_PHOTO_FIELDS_H
 

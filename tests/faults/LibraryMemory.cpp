@@ -37,8 +37,8 @@ struct Range {
 };
 
 struct Objects {
-    Range program; ///< The first object that is told of.
-    Range library;
+    Range program;  ///< The first object that is told of.
+    Range fileList; ///< The library that is tested.
 };
 
 int NoteObject(dl_phdr_info* info, std::size_t /*size*/, void* data) {
@@ -54,7 +54,7 @@ int NoteObject(dl_phdr_info* info, std::size_t /*size*/, void* data) {
     if (objects.program.end == 0) {
         objects.program = range;
     } else if (std::strstr(info->dlpi_name, "libdcffilelist") != nullptr) {
-        objects.library = range;
+        objects.fileList = range;
     }
     return 0;
 }
@@ -72,16 +72,16 @@ const Objects& LoadedObjects() {
 /// that called it is looked for.
 bool IsLibrarys(const void* caller) {
     const Objects& objects = LoadedObjects();
-    if (objects.library.Has(caller) || objects.program.Has(caller)) {
-        return objects.library.Has(caller);
+    if (objects.fileList.Has(caller) || objects.program.Has(caller)) {
+        return objects.fileList.Has(caller);
     }
     std::array<void*, 24> frames{};
     const int count = backtrace(frames.data(), static_cast<int>(frames.size()));
     const auto end = frames.begin() + count;
     const auto user = std::find_if(std::find(frames.begin(), end, caller), end, [&](const void* frame) {
-        return objects.library.Has(frame) || objects.program.Has(frame);
+        return objects.fileList.Has(frame) || objects.program.Has(frame);
     });
-    return user != end && objects.library.Has(*user);
+    return user != end && objects.fileList.Has(*user);
 }
 
 /// @return null when it is refused.
