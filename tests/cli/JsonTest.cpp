@@ -6,7 +6,9 @@
 
 #include "Card.h"
 #include "Cli.h"
+#include "JsonKeys.h"
 
+using clitest::Keys;
 using clitest::OnCard;
 using clitest::Words;
 using dcftest::Card;
@@ -14,14 +16,6 @@ using dcftest::FileTraits;
 using Json = nlohmann::ordered_json;
 
 namespace {
-
-Words Keys(const Json& json) {
-    Words keys;
-    for (const auto& [key, value] : json.items()) {
-        keys.push_back(key);
-    }
-    return keys;
-}
 
 const Words kFileKeys = {"position",         "path",        "path_bytes", "type",    "companion", "protected", "wifi",
                          "directory_number", "file_number", "time",       "time_utc"};

@@ -20,14 +20,9 @@ namespace fs = std::filesystem;
 namespace {
 
 void ExpectRefusal(const ChangeCard& card, const Words& files, const std::string& expected) {
-    const Words before = card.Before();
     Words words = {"add"};
     words.insert(words.end(), files.begin(), files.end());
-    const Outcome outcome = card.Run(words);
-    EXPECT_EQ(clitest::kRefused, outcome.exit) << outcome.Describe();
-    EXPECT_EQ(expected, ErrorOf(outcome));
-    EXPECT_EQ("", outcome.out);
-    EXPECT_EQ(before, card.Before());
+    EXPECT_EQ(expected, clitest::RefusalOf(card, words));
 }
 
 TEST(AddRefusal, OfSourcesThatAreNone) {

@@ -111,6 +111,15 @@ std::string ErrorOf(const Outcome& outcome) {
     return found;
 }
 
+std::string RefusalOf(const ChangeCard& card, const Words& words, int code) {
+    const Words before = card.Before();
+    const Outcome outcome = card.Run(words);
+    EXPECT_EQ(code, outcome.exit) << outcome.Describe();
+    EXPECT_EQ("", outcome.out);
+    EXPECT_EQ(before, card.Before());
+    return ErrorOf(outcome);
+}
+
 Words PathsIn(const Json& array) {
     Words paths;
     for (const Json& entry : array) {

@@ -56,6 +56,10 @@ private:
 /// The part of standard error behind "dcfctl: error: ", one line.
 [[nodiscard]] std::string ErrorOf(const Outcome& outcome);
 
+/// Runs what has to be refused with a code: it says so on standard error alone and changes neither card nor store.
+/// @return its one line, as ErrorOf() gives it.
+[[nodiscard]] std::string RefusalOf(const ChangeCard& card, const Words& words, int code = kRefused);
+
 /// The paths in an array of objects with "path".
 [[nodiscard]] Words PathsIn(const Json& array);
 

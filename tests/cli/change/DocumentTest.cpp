@@ -7,8 +7,10 @@
 #include <set>
 
 #include "ChangeCard.h"
+#include "JsonKeys.h"
 
 using clitest::ChangeCard;
+using clitest::Keys;
 using clitest::Outcome;
 using clitest::ReadFile;
 using clitest::Words;
@@ -19,14 +21,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr char kSourceRoot[] = DCFCTL_SOURCE_ROOT;
-
-Words Keys(const Json& json) {
-    Words keys;
-    for (const auto& [key, value] : json.items()) {
-        keys.push_back(key);
-    }
-    return keys;
-}
 
 /// What every document begins with, and what this one has behind it.
 Words Behind(const Json& json) {

@@ -132,18 +132,13 @@ TEST(NextName, ForetellsWithDryRunAndChangesNothing) {
 // ---- Refusals: no number is lost ----
 
 void ExpectRefusal(const ChangeCard& card, const Words& options, const std::string& expected, int code) {
-    const Words before = card.Before();
     for (const bool dryRun : {false, true}) {
         Words words = {"next-name"};
         words.insert(words.end(), options.begin(), options.end());
         if (dryRun) {
             words.emplace_back("--dry-run");
         }
-        const Outcome outcome = card.Run(words);
-        EXPECT_EQ(code, outcome.exit) << outcome.Describe();
-        EXPECT_EQ(expected, ErrorOf(outcome));
-        EXPECT_EQ("", outcome.out);
-        EXPECT_EQ(before, card.Before());
+        EXPECT_EQ(expected, clitest::RefusalOf(card, words, code));
     }
 }
 

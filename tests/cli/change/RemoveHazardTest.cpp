@@ -12,7 +12,6 @@
 #include "ChangeCard.h"
 
 using clitest::ChangeCard;
-using clitest::ErrorOf;
 using clitest::Options;
 using clitest::Outcome;
 using clitest::Words;
@@ -23,14 +22,9 @@ namespace {
 
 /// Runs rm, which must be refused with this text and change nothing.
 void ExpectRefusal(const ChangeCard& card, const Words& targets, const std::string& expected) {
-    const Words before = card.Before();
     Words words = {"rm", "--yes"};
     words.insert(words.end(), targets.begin(), targets.end());
-    const Outcome outcome = card.Run(words);
-    EXPECT_EQ(clitest::kRefused, outcome.exit) << outcome.Describe();
-    EXPECT_EQ(expected, ErrorOf(outcome));
-    EXPECT_EQ("", outcome.out);
-    EXPECT_EQ(before, card.Before());
+    EXPECT_EQ(expected, clitest::RefusalOf(card, words));
 }
 
 TEST(RemoveHazard, TwoFoldersOfOneNumber) {

@@ -6,9 +6,11 @@
 #include <set>
 
 #include "CheckedCard.h"
+#include "JsonKeys.h"
 
 using clitest::CheckedCard;
 using clitest::Json;
+using clitest::Keys;
 using clitest::OnCard;
 using clitest::ReadFile;
 using clitest::Words;
@@ -16,14 +18,6 @@ using clitest::Words;
 namespace {
 
 constexpr char kSourceRoot[] = DCFCTL_SOURCE_ROOT;
-
-Words Keys(const Json& json) {
-    Words keys;
-    for (const auto& [key, value] : json.items()) {
-        keys.push_back(key);
-    }
-    return keys;
-}
 
 const Words kFindingKeys = {"code",  "severity",    "path",  "path_bytes", "message",
                             "other", "other_bytes", "title", "cure"};
