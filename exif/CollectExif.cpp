@@ -1,4 +1,4 @@
-// The public function; see include/DcfExif.h.
+// The public function; see exif/include/DcfExif.h.
 #include <new>
 #include <optional>
 #include <string>
