@@ -153,6 +153,26 @@ private:
     std::unique_ptr<sqlite3, Close> m_database;
 };
 
+// The store's folder without links, which may lead to it; the store itself may not be one. SQLite's own flag against
+// links would refuse both.
+std::string InRealFolder(const std::string& path) {
+    const std::size_t slash = path.rfind('/'); // there is one, see PreferencePath()
+    const std::unique_ptr<char, FreeText> folder(::realpath(path.substr(0, slash + 1).c_str(), nullptr));
+    if (!folder) {
+        throw StoreError(std::string("its folder cannot be found: ") + std::strerror(errno));
+    }
+    return folder.get() + path.substr(slash);
+}
+
+// The store as an empty file of the user's alone: SQLite would let everybody read it. Its journals take its mode.
+void MakeEmptyFile(const std::string& path) {
+    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (fd >= 0) {
+        (void)::close(fd); // nothing was written through it
+    }
+    // Another process may have been first; what else went wrong goes wrong for SQLite too, which tells of it.
+}
+
 enum class Found { Nothing, EmptyFile, Store };
 
 std::uint32_t BigEndian(const unsigned char* bytes) {
@@ -207,26 +227,6 @@ Found Examine(const std::string& path) {
     }
     RequireOurHeader(header);
     return Found::Store;
-}
-
-// The store's folder without links, which may lead to it; the store itself may not be one. SQLite's own flag against
-// links would refuse both.
-std::string InRealFolder(const std::string& path) {
-    const std::size_t slash = path.rfind('/'); // there is one, see PreferencePath()
-    const std::unique_ptr<char, FreeText> folder(::realpath(path.substr(0, slash + 1).c_str(), nullptr));
-    if (!folder) {
-        throw StoreError(std::string("its folder cannot be found: ") + std::strerror(errno));
-    }
-    return folder.get() + path.substr(slash);
-}
-
-// The store as an empty file of the user's alone: SQLite would let everybody read it. Its journals take its mode.
-void MakeEmptyFile(const std::string& path) {
-    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-    if (fd >= 0) {
-        (void)::close(fd); // nothing was written through it
-    }
-    // Another process may have been first; what else went wrong goes wrong for SQLite too, which tells of it.
 }
 
 void RequireSound(Database& database) {
