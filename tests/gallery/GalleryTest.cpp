@@ -37,7 +37,9 @@ TEST_P(Gallery, IsLedAlongTheRoadWithoutHarm) {
         ExpectRead(made);
         ExpectProtected(made);
         ExpectNamedAndRenumbered(made);
-        made.MakeAnew();
+        if (GetParam().listed.files <= kMany) { // renumbered, but whole
+            made.MakeAnew();
+        }
         ExpectDeleted(made);
     });
     if (ending.refused) {
