@@ -173,18 +173,23 @@ void ExpectGone(const MadeCard& made, const Change& change, const Ending& ending
     }
 }
 
-void DeleteOne(CSFileList& list, int position) {
-    const std::string found = Found(list, position);
-    Tell("deleted", At(list, list.GetCurIndex()));
-    if (!IsProtectedOnCard(found)) {
-        ReportEvent({"file", Real(found)});
+/// Tells of a file that an operation may delete: not of a protected one.
+void TellUnlessProtected(const CSFileListItem& item) {
+    if (!IsProtectedOnCard(item.m_strURI)) {
+        Tell("deleted", item);
+        ReportEvent({"file", Real(item.m_strURI)});
     }
+}
+
+void DeleteOne(CSFileList& list, int position) {
     CSFileListItem item = At(list, position);
+    (void)Found(list, position); // now the cursor stands on it
+    TellUnlessProtected(At(list, list.GetCurIndex()));
     EXPECT_EQ(list.Delete(&item), 0);
 }
 
 void DeleteSelection(CSFileList& list, int position) {
-    Tell("deleted", At(list, position));
+    TellUnlessProtected(At(list, position));
     list.SetSel(position, true);
     EXPECT_EQ(list.DeleteSel(), 0);
 }
@@ -263,9 +268,7 @@ void ExpectDeleted(MadeCard& made) {
     }
     for (const int position : Choice(files)) {
         run("a deletion", [&](CSFileList& list) { DeleteOne(list, position); });
-    }
-    if (files > 0) {
-        run("a deletion of a selection", [](CSFileList& list) { DeleteSelection(list, 0); });
+        run("a deletion of a selection", [&](CSFileList& list) { DeleteSelection(list, position); });
     }
     run("a deletion of everything", DeleteEverything);
 }
