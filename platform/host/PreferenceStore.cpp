@@ -165,8 +165,9 @@ void RequireOurHeader(const std::array<unsigned char, 100>& header) {
     }
 }
 
-// A journal ends in this magic text when it belongs to a change of several databases at once, and then names a file that
-// SQLite deletes once it has looked at it. A store's own changes leave none such, so the file would be somebody else's.
+// A journal ends in this magic text when it belongs to a change of several databases at once, and then names a file
+// that SQLite deletes once it has looked at it. A store's own changes leave none such, so the file would be somebody
+// else's.
 void RequireOurJournal(const std::string& path) {
     static constexpr std::string_view kMagic{"\xd9\xd5\x05\xf9\x20\xa1\x63\xd7", 8};
     const int fd = ::open((path + "-journal").c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW);

@@ -34,9 +34,9 @@ std::string Joined(const std::vector<std::string>& texts) {
 
 std::string Compare(const char* what, const std::vector<std::string>& expected,
                     const std::vector<std::string>& actual) {
-    return expected == actual ? ""
-                              : std::string("\n  ") + what + ": expected" + Joined(expected) + "\n  got" +
-                                    Joined(actual);
+    return expected == actual
+               ? ""
+               : std::string("\n  ") + what + ": expected" + Joined(expected) + "\n  got" + Joined(actual);
 }
 
 std::vector<std::string> PrefTexts(const std::vector<PrefCall>& calls, std::size_t from) {
@@ -138,8 +138,7 @@ std::string ComparedSides::Difference(const Operation& operation, const std::str
     std::string difference = Compare("result", {result}, {outcome.result});
     difference += Compare("log", effects.log, log);
     difference += IsFromOutside(operation) ? "" : Compare("calls", expected.list.card.calls, outcome.calls);
-    difference +=
-        Compare("preferences", PrefTexts(effects.prefCalls, 0), PrefTexts(platform.PrefCalls(), prefCalls));
+    difference += Compare("preferences", PrefTexts(effects.prefCalls, 0), PrefTexts(platform.PrefCalls(), prefCalls));
     difference += Compare("printed", {effects.printed}, {outcome.printed});
     difference += Compare("collector", effects.collected, TakeCollected());
     difference += m_over ? CardDifference(expected.list.card) : StateDifference(expected, *actual);

@@ -1,6 +1,7 @@
 // The library and the reference of the model test side by side on one card: each operation is done on both, and result,
 // list, card, log, output, calls and stored value have to agree. A documented end of the process has to be the one that
-// the reference foresees. Beside that, and without the reference: no file is gone that was not being deleted. One thread.
+// the reference foresees. Beside that, and without the reference: no file is gone that was not being deleted. One
+// thread.
 #ifndef TESTS_FUZZ_COMPARED_SIDES_H
 #define TESTS_FUZZ_COMPARED_SIDES_H
 

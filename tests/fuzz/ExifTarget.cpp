@@ -1,5 +1,5 @@
-// The EXIF collector: an input is a file. Whatever it holds, the result is one that the header names, a record is filled
-// whole or left as it was, every field keeps to its range, and a second look says the same.
+// The EXIF collector: an input is a file. Whatever it holds, the result is one that the header names, a record is
+// filled whole or left as it was, every field keeps to its range, and a second look says the same.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -51,9 +51,8 @@ Collected Collect(std::string path) {
 
 bool IsDate(const char (&date)[20]) {
     constexpr char kPattern[] = "0000:00:00 00:00:00";
-    return std::equal(std::begin(date), std::end(date), std::begin(kPattern), [](char c, char wanted) {
-        return wanted == '0' ? c >= '0' && c <= '9' : c == wanted;
-    });
+    return std::equal(std::begin(date), std::end(date), std::begin(kPattern),
+                      [](char c, char wanted) { return wanted == '0' ? c >= '0' && c <= '9' : c == wanted; });
 }
 
 bool Within(std::int32_t value, std::int32_t low, std::int32_t high) {
@@ -62,16 +61,17 @@ bool Within(std::int32_t value, std::int32_t low, std::int32_t high) {
 
 void CheckPosition(const DcfExifInfo& info) {
     constexpr std::int32_t kQuarter = 90000000;
-    const bool known = Within(info.latitude, -kQuarter, kQuarter) && Within(info.longitude, -2 * kQuarter, 2 * kQuarter);
-    const bool unknown =
-        info.latitude == DCF_EXIF_UNKNOWN_SIGNED && info.longitude == DCF_EXIF_UNKNOWN_SIGNED;
+    const bool known =
+        Within(info.latitude, -kQuarter, kQuarter) && Within(info.longitude, -2 * kQuarter, 2 * kQuarter);
+    const bool unknown = info.latitude == DCF_EXIF_UNKNOWN_SIGNED && info.longitude == DCF_EXIF_UNKNOWN_SIGNED;
     Require(info.hasPosition ? known : unknown, "a position that is none");
 }
 
 void CheckFields(const PhotoInfo& record) {
     DcfExifInfo info = {};
     Require(DcfExifRead(record, &info), "a filled record is refused");
-    Require(IsDate(info.date) || std::all_of(std::begin(info.date), std::end(info.date), [](char c) { return c == '\0'; }),
+    Require(IsDate(info.date) ||
+                std::all_of(std::begin(info.date), std::end(info.date), [](char c) { return c == '\0'; }),
             "a date that is none");
     Require(info.orientation <= 8, "an orientation that EXIF does not know");
     Require(info.width >= 0 && info.height >= 0, "a negative size");

@@ -1,6 +1,6 @@
-// Names of directories and files: an input is a list of names, one a line. Each one is put to every rule of the library;
-// then a card is made of them and listed. Accepted or refused, number, kind, companion, order and paths have to be what
-// the rules say as NameRules.h states them.
+// Names of directories and files: an input is a list of names, one a line. Each one is put to every rule of the
+// library; then a card is made of them and listed. Accepted or refused, number, kind, companion, order and paths have
+// to be what the rules say as NameRules.h states them.
 //
 // A line that begins with '/' is a folder under "DCIM"; any other line is a file in the folder before it, and of the
 // line "/" on, of "Camera".
@@ -32,8 +32,8 @@ struct Folder {
 };
 
 bool CanStandOnCard(const std::string& name) {
-    return !name.empty() && name.size() <= 255 && name != "." && name != ".." &&
-           name.find('/') == std::string::npos && name.find('\0') == std::string::npos;
+    return !name.empty() && name.size() <= 255 && name != "." && name != ".." && name.find('/') == std::string::npos &&
+           name.find('\0') == std::string::npos;
 }
 
 /// A name as the library takes it: its own memory, not a byte more, so that a look beyond the end is seen.

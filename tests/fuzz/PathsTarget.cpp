@@ -1,6 +1,6 @@
 // Every operation of the interface that takes a path, a name or a root, and the rules below it, with arbitrary strings:
-// an input is a list of calls, one a line. The first character of a line is the operation (see kOperations), the rest is
-// its text, in which a '@' stands for the card's root. Results, list and card are compared with the reference of the
+// an input is a list of calls, one a line. The first character of a line is the operation (see kOperations), the rest
+// is its text, in which a '@' stands for the card's root. Results, list and card are compared with the reference of the
 // model test. A text lies in memory of its own, not a byte too long, so that a look beyond its end is seen.
 #include <sys/stat.h>
 

@@ -236,7 +236,8 @@ void CheckArgument(const Word& word, const dcfctl::Argument& argument) {
     case ArgumentKind::kPath:
     case ArgumentKind::kText:
     case ArgumentKind::kOptional:
-        Require(null ? !argument.text.has_value() : argument.text == word.text, Visible(word.text) + " is another text");
+        Require(null ? !argument.text.has_value() : argument.text == word.text,
+                Visible(word.text) + " is another text");
         break;
     case ArgumentKind::kFlag:
         Require(argument.number == 0 || argument.number == 1, Visible(word.text) + " is no flag");
@@ -250,11 +251,11 @@ void CheckArguments(const dcfctl::Operation& operation, const std::vector<Word>&
     const auto read = dcfctl::ReadArguments(operation, words);
     if (const auto* reason = std::get_if<std::string>(&read)) {
         Require(!reason->empty() && dcfctl::IsUtf8(*reason), "a refusal without a reason");
-        const bool onlyNumbers = !operation.kinds.empty() && operation.kinds.size() == words.size() &&
-                                 std::all_of(operation.kinds.begin(), operation.kinds.end(), [](auto kind) {
-                                     return kind == dcfctl::ArgumentKind::kNumber ||
-                                            kind == dcfctl::ArgumentKind::kPosition;
-                                 });
+        const bool onlyNumbers =
+            !operation.kinds.empty() && operation.kinds.size() == words.size() &&
+            std::all_of(operation.kinds.begin(), operation.kinds.end(), [](auto kind) {
+                return kind == dcfctl::ArgumentKind::kNumber || kind == dcfctl::ArgumentKind::kPosition;
+            });
         Require(!onlyNumbers ||
                     !std::all_of(words.begin(), words.end(), [](const Word& word) { return IsInt(word.text); }),
                 std::string(operation.name) + " refuses numbers");

@@ -30,10 +30,16 @@ constexpr std::size_t kLongestPath = 98;
 constexpr int kMostSteps = 40;
 
 /// What the interface names as fatal; see include/ISFileList.h.
-const char* const kDocumentedEnds[] = {
-    "cannot find dir index = ", "cannot found fnum = ",    "need to setting cur file", "invalid cursor",
-    "GetCur must success",      "vector index overflow = ", "invalid",                  "more than dcf filename length",
-    "m_nList need to check",    "index cannot be negative"};
+const char* const kDocumentedEnds[] = {"cannot find dir index = ",
+                                       "cannot found fnum = ",
+                                       "need to setting cur file",
+                                       "invalid cursor",
+                                       "GetCur must success",
+                                       "vector index overflow = ",
+                                       "invalid",
+                                       "more than dcf filename length",
+                                       "m_nList need to check",
+                                       "index cannot be negative"};
 
 using Names = std::set<std::pair<std::string, std::string>>; ///< Folder and file.
 

@@ -1,6 +1,6 @@
 // A client on a hostile card that nobody foresees: several files of one rank, any length of the root, "Camera" in it.
-// What has to hold of any card is checked: the count is what is walked, each path is a file of the card, nothing is gone
-// but what may be deleted, and the process ends by documented assertions alone. One thread.
+// What has to hold of any card is checked: the count is what is walked, each path is a file of the card, nothing is
+// gone but what may be deleted, and the process ends by documented assertions alone. One thread.
 #ifndef TESTS_FUZZ_WILD_CLIENT_H
 #define TESTS_FUZZ_WILD_CLIENT_H
 

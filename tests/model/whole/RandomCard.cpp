@@ -286,7 +286,8 @@ std::string FolderDifference(const std::string& path, const std::string& name, c
         if (file == folder.files.end()) {
             return "the card has " + name + "/" + entry;
         }
-        const std::string difference = FileDifference(name + "/" + entry, file->second, real.Status(entry, file->second.special));
+        const std::string difference =
+            FileDifference(name + "/" + entry, file->second, real.Status(entry, file->second.special));
         if (!difference.empty()) {
             return difference;
         }
