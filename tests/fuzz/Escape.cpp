@@ -1,5 +1,7 @@
 #include "Escape.h"
 
+#include <memory>
+
 #include "FakePlatform.h"
 
 namespace dcffuzz {
@@ -12,12 +14,13 @@ const std::string kInfo = "### assert info : ";
 } // namespace
 
 void EscapeAssertions() {
-    dcftest::FakePlatform::Get().AtLog([condition = std::string()](const dcftest::LogLine& line) mutable {
+    const auto condition = std::make_shared<std::string>();
+    dcftest::FakePlatform::Get().AtLog([condition](const dcftest::LogLine& line) {
         const std::string message = line.Message();
         if (message.compare(0, kCondition.size(), kCondition) == 0) {
-            condition = message.substr(kCondition.size());
+            *condition = message.substr(kCondition.size());
         } else if (message.compare(0, kInfo.size(), kInfo) == 0) {
-            throw Ended{condition, message.substr(kInfo.size())};
+            throw Ended{*condition, message.substr(kInfo.size())};
         }
     });
 }

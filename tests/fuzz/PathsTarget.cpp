@@ -133,6 +133,7 @@ Operation GetLatestFileName(const std::string& text) {
 Operation SetBaseURI(const std::string& text) {
     return {"SetBaseURI", text,
             [text](Expected& side) {
+                side.list.effects.log.push_back("CSFileList SetBaseURI start");
                 const bool taken = text.size() <= 97;
                 side.list.baseURI = taken ? text : side.list.baseURI;
                 return Show(taken ? 0 : -1);
