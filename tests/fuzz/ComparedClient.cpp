@@ -15,7 +15,7 @@ namespace {
 
 using namespace dcftest;
 
-constexpr int kMostSteps = 60;
+constexpr int kMostSteps = 40;
 constexpr int kLongestRoot = 75;
 
 /// So that paths are sometimes cut, and "PHOTO" sometimes stands in every path.

@@ -47,6 +47,7 @@ private:
     void AdoptTimes();
     Contents OnCard() const;
 
+    Contents m_contents; ///< Of the card, as far as is known.
     bool m_over = false;
 };
 
