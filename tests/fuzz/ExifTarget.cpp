@@ -70,6 +70,7 @@ void CheckPosition(const DcfExifInfo& info) {
 void CheckFields(const PhotoInfo& record) {
     DcfExifInfo info = {};
     Require(DcfExifRead(record, &info), "a filled record is refused");
+    Require(std::memcmp(record.date, info.date, sizeof info.date) == 0, "a date without an end");
     Require(IsDate(info.date) ||
                 std::all_of(std::begin(info.date), std::end(info.date), [](char c) { return c == '\0'; }),
             "a date that is none");
