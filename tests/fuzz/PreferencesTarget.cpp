@@ -30,7 +30,7 @@ constexpr long kValue = 10100042;
 
 enum Shape : unsigned {
     kWithJournal = 1U << 0U,
-    kStoreIsLink = 1U << 1U,     ///< To a file beside it that holds the bytes.
+    kStoreIsLink = 1U << 1U,     ///< To a file beside it that holds the bytes; it is not followed.
     kJournalIsLink = 1U << 2U,   ///< To the bystander, whatever bytes are there.
     kWriteFirst = 1U << 3U,      ///< Nobody looks before the write.
     kOtherPreferences = 1U << 4U ///< Other groups and keys are asked for, too.
@@ -207,6 +207,10 @@ void Run(const Place& place, unsigned shape, const std::string& store, const std
         fs::create_symlink(place.Bystander(), place.Journal());
     } else if ((shape & kWithJournal) != 0) {
         Write(place.Journal(), journal);
+    }
+    if ((shape & kStoreIsLink) != 0) {
+        Require(Get(kGroup, kKey).value == 0 && Set(kGroup, kKey, kValue).value == -1, "a link was followed");
+        Require(Read(file) == store, "what a link names was changed");
     }
     const std::size_t files = place.Files();
     if ((shape & kWriteFirst) == 0) {
