@@ -22,11 +22,13 @@ def arguments():
     parser.add_argument("--build", required=True)
     parser.add_argument("--folder", required=True)
     parser.add_argument("--scratch", required=True)
+    parser.add_argument("--preload", required=True)
     parser.add_argument("--earlier")
     parser.add_argument("--sample", type=int, default=400)
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--jobs", type=int, default=1)
     parser.add_argument("--all", action="store_true")
+    parser.add_argument("--slow", action="store_true")
     parser.add_argument("--list", action="store_true")
     parser.add_argument("--self-test", action="store_true")
     return parser.parse_args()
@@ -51,7 +53,8 @@ def try_mutant(mutant, text, workshop, programs):
                 verdict = programs.run(path.name, workshop.folder / "lib", path=path).replace("passed", "survived")
                 by = path.name
         if verdict == "survived":
-            return Result("same" if workshop.is_same_optimised(mutant.file) else verdict, "")
+            by = "also the slow ones" if programs.slow else ""
+            return Result("same" if workshop.is_same_optimised(mutant.file) else verdict, by)
         return Result(verdict, by)
     except DoesNotCompile:
         return Result("broken", "")
@@ -112,7 +115,7 @@ def take_over(earlier, results):
 def learn(programs, mutants, results):
     for mutant in mutants:
         result = results.known.get(mutant.key)
-        if result and result.by:
+        if result and result.verdict in ("killed", "timeout"):
             programs.note_kill(mutant, result.by)
 
 
@@ -126,12 +129,15 @@ def main():
         return 0
     # A run that is told to end leaves by way of its "finally".
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))
-    programs = Programs(options.build, options.scratch)
+    programs = Programs(options.build, options.scratch, options.preload)
     base = Base(options.tree, options.build)
     folder = pathlib.Path(options.folder)
     if options.self_test:
-        return self_test(texts, mutants, Workshop(base, folder / "self-test"), programs, try_mutant)
+        workshop = Workshop(base, folder / "self-test")
+        return self_test(mutants, texts, programs,
+                         lambda mutant: try_mutant(mutant, texts[mutant.file], workshop, programs))
 
+    programs.find(options.slow)
     print(f"{len(programs.names)} test programs, first on the unchanged library ...", file=sys.stderr, flush=True)
     failed = programs.measure()
     if failed:
@@ -140,6 +146,8 @@ def main():
     results = Results(folder / "results.tsv")
     if options.earlier:
         take_over(options.earlier, results)
+    if options.slow:
+        results.forget_survivors()
     learn(programs, mutants, results)
     order = list(mutants)
     random.Random(options.seed).shuffle(order)

@@ -11,7 +11,7 @@ WANTED = 95  # per cent
 @dataclass(frozen=True)
 class Result:
     verdict: str  # killed, timeout, survived, broken, same
-    by: str       # the test program
+    by: str       # the test program, or what else a survivor has survived
 
 
 class Results:
@@ -30,6 +30,10 @@ class Results:
         self.known[key] = result
         with self.path.open("a") as out:
             out.write(f"{key}\t{result.verdict}\t{result.by}\n")
+
+    def forget_survivors(self):
+        """Of the runs without the slow programs."""
+        self.known = {key: result for key, result in self.known.items() if result != Result("survived", "")}
 
     def is_counted(self, key):
         return key in self.known and self.known[key].verdict not in NOT_COUNTED
