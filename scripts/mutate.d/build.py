@@ -1,6 +1,7 @@
 """Compiles one changed source and what is made of it, in a folder of its own. The build that it starts from stays."""
 
 import json
+import os
 import pathlib
 import shlex
 import shutil
@@ -30,7 +31,7 @@ class Base:
 
     def objects_with(self, file):
         """The objects of the library into which a source goes."""
-        return [name for name in self.users.get(file, ()) if name.startswith("Src/")]
+        return [name for name in self.users[file] if name.startswith("Src/")]
 
     def programs_with(self, file):
         """Test programs that take a source in themselves, beside the library's copy: {program: [object]}. A header that
@@ -38,7 +39,7 @@ class Base:
         if file.endswith(".h") and (self.tree / file).with_suffix(".cpp").exists():
             return {}
         found = {}
-        for name in self.users.get(file, ()):
+        for name in self.users[file]:
             if name.startswith("tests/") and self._names(name, file):
                 found.setdefault("bin/" + name.split("/")[3].removesuffix(".dir"), []).append(name)
         return found
@@ -56,7 +57,7 @@ class Base:
         name = None
         for line in self.ninja("-t", "deps").splitlines():
             if line.startswith("    "):
-                path = pathlib.Path(line.strip())
+                path = pathlib.Path(os.path.normpath(self.build / line.strip()))
                 if path.is_relative_to(self.tree / "Src"):
                     users.setdefault(str(path.relative_to(self.tree)), []).append(name)
             elif line:
@@ -88,6 +89,8 @@ class Workshop:
     def build_library(self, file):
         """Builds the library around a changed source. False when no object differs, in which case there is no library."""
         changed = {name: self._compile(name) for name in self.base.objects_with(file)}
+        if not changed:
+            raise RuntimeError(f"nothing in the library is made of {file}")
         if all(path.read_bytes() == (self.base.build / name).read_bytes() for name, path in changed.items()):
             return False
         self._link(self.link, self.folder / "lib" / LOADED_AS, changed)
