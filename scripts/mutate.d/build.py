@@ -20,8 +20,8 @@ class Base:
     """The unchanged sources and their build: the library and every test program."""
 
     def __init__(self, tree, build):
-        self.tree = pathlib.Path(tree)
-        self.build = pathlib.Path(build)
+        self.tree = pathlib.Path(tree).absolute()
+        self.build = pathlib.Path(build).absolute()
         entries = json.loads((self.build / "compile_commands.json").read_text())
         self.compile_commands = {}  # object: command
         for entry in entries:
@@ -49,8 +49,10 @@ class Base:
 
     def link_command(self, target):
         """Without what the build does behind it."""
-        line = self.ninja("-t", "commands", target).splitlines()[-1]
-        return shlex.split(line.split(" && ")[1])
+        for command in self.ninja("-t", "commands", target).split(" && "):
+            if f" -o {target}" in command:
+                return shlex.split(command)
+        raise RuntimeError(f"nothing links {target}")
 
     def _users(self):
         users = {}
@@ -74,7 +76,7 @@ class Workshop:
 
     def __init__(self, base, folder):
         self.base = base
-        self.folder = pathlib.Path(folder)
+        self.folder = pathlib.Path(folder).absolute()
         shutil.rmtree(self.folder, ignore_errors=True)
         shutil.copytree(base.tree / "Src", self.folder / "Src")
         (self.folder / "lib").mkdir()

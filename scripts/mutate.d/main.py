@@ -71,6 +71,7 @@ class Run:
         self.results = results
         self.lock = threading.Lock()
         self.broken_off = threading.Event()
+        self.failure = None
 
     def chosen(self):
         """The shortest beginning of the order that holds enough, as far as it is known."""
@@ -92,8 +93,17 @@ class Run:
             thread.start()
         for thread in threads:
             thread.join()
+        if self.failure is not None:
+            raise self.failure
 
     def _work(self, waiting, texts, workshop, programs):
+        try:
+            self._try_each(waiting, texts, workshop, programs)
+        except Exception as failure:  # for the thread that waits
+            self.failure = failure
+            self.broken_off.set()
+
+    def _try_each(self, waiting, texts, workshop, programs):
         while not self.broken_off.is_set():
             with self.lock:
                 if self.chosen()[1] or waiting.empty():

@@ -32,7 +32,7 @@ def _limit(computing):
 
 class Programs:
     def __init__(self, build, scratch, preload):
-        self.build = pathlib.Path(build)
+        self.build = pathlib.Path(build).absolute()
         self.scratch = scratch  # short: the paths of cards are counted
         self.preload = preload
         self.names = []
