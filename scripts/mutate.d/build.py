@@ -134,6 +134,8 @@ class Workshop:
 
     def _run(self, command):
         try:
-            subprocess.run(command, cwd=self.base.build, check=True, capture_output=True, timeout=PATIENCE)
+            # In a session of its own: a run that is broken off must not take it for a mutant that does not compile.
+            subprocess.run(command, cwd=self.base.build, check=True, capture_output=True, timeout=PATIENCE,
+                           start_new_session=True)
         except (subprocess.CalledProcessError, subprocess.TimeoutExpired) as failure:
             raise DoesNotCompile() from failure

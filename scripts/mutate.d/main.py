@@ -110,6 +110,8 @@ class Run:
                     return
                 mutant = waiting.get()
             result = try_mutant(mutant, texts[mutant.file], workshop, programs)
+            if self.broken_off.is_set():
+                return  # the program was ended, and not by the mutant
             with self.lock:
                 self.results.add(mutant.key, result)
                 print(f"{result.verdict:8} {mutant.key} {result.by}", file=sys.stderr, flush=True)

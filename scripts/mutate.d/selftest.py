@@ -1,11 +1,10 @@
-"""Known mutants: three that the tests find, and one that nobody can find by what the library does."""
+"""Known mutants: three that the tests notice, and one that shows in nothing but time."""
 
 PROGRAMS = ["change-protect", "unit-dir-items"]
 KNOWN = [
     ("killed", "Src/CSFileList.cpp", "- m_pDCF->SetProtectAll(on);", "+ ;"),
-    ("killed", "Src/CSDCFDir.cpp", "- m_bDescending = m_itemGroup.empty() || (m_bDescending && fnum < m_itemGroup.back().m_nFileNum);",
-     "+ m_bDescending = m_itemGroup.empty() || (m_bDescending && fnum >= m_itemGroup.back().m_nFileNum);"),
-    ("killed", "Src/PositionSet.h", "- --m_size;", "+ ++m_size;"),
+    ("killed", "Src/CSDCFDir.cpp", "- if (item.getProtect()) {", "+ if (!(item.getProtect())) {"),
+    ("killed", "Src/LocalDate.h", "- narrow(local->tm_mon + 1),", "+ narrow(local->tm_mon - 1),"),
     ("survived", "Src/CSDCFDir.cpp", "- constexpr int kWalksWorthSorting = 16;", "+ constexpr int kWalksWorthSorting = 17;"),
 ]
 
