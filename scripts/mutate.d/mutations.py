@@ -35,6 +35,10 @@ class Mutant:
     def apply(self, text):
         return text[:self.start] + self.new + text[self.end:]
 
+    def context(self, text):
+        """The line before the one that changes."""
+        return "  " + next((line.strip() for line in reversed(text[:self.start].splitlines()[:-1]) if line.strip()), "")
+
     def change(self, text):
         """The lines before and behind the change, without their indentation."""
         before = text.splitlines()

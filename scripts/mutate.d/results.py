@@ -40,12 +40,13 @@ class Results:
 
 
 def read_explained(path):
-    """{(file, line of the change ...): reason}. Blocks of lines: the file, what went, what came, the reason."""
+    """{(file, line of the change ...): reason}. Blocks of lines: the file, the line before the change where others are
+    like it, what went, what came, the reason."""
     explained = {}
     text = "\n".join(line for line in pathlib.Path(path).read_text().splitlines() if not line.startswith("#"))
     for block in filter(None, (block.strip() for block in text.split("\n\n"))):
         file, *rest = block.splitlines()
-        change = [line for line in rest if line.startswith(("- ", "+ "))]
+        change = [line for line in rest if line.startswith(("  ", "- ", "+ "))]
         reason = " ".join(rest[len(change):])
         if not change or not reason:
             raise ValueError(f"{path}: a change and a reason are missing: {block}")
@@ -61,12 +62,13 @@ def summarise(mutants, results, texts, explained):
         result = results.known[mutant.key]
         counts[result.verdict] += 1
         change = mutant.change(texts[mutant.file])
-        reason = explained.get((mutant.file, *change))
+        lines = (mutant.context(texts[mutant.file]), *change)
+        reason = explained.get((mutant.file, *lines)) or explained.get((mutant.file, *change))
         if result.verdict == "survived":
             lacking += reason is None
-            print(f"\n{mutant.file}:{mutant.line}", *change, reason or "NOT EXPLAINED", sep="\n    ")
+            print(f"\n{mutant.file}:{mutant.line}", *lines, reason or "NOT EXPLAINED", sep="\n    ")
         elif reason is not None and result.verdict in ("killed", "timeout"):
-            print(f"\n{mutant.file}:{mutant.line}", *change, f"explained, but {result.verdict} by {result.by}", sep="\n    ")
+            print(f"\n{mutant.file}:{mutant.line}", *lines, f"explained, but {result.verdict} by {result.by}", sep="\n    ")
     counted = len(mutants) - sum(counts[verdict] for verdict in NOT_COUNTED)
     found = counts["killed"] + counts["timeout"]
     print(f"\n{counted} mutants counted: {counts['killed']} killed, {counts['timeout']} timeouts, "
