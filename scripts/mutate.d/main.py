@@ -47,11 +47,8 @@ def try_mutant(mutant, text, workshop, programs):
         if not differs and not in_programs:
             return Result("same", "")
         verdict, by = programs.try_all(mutant, workshop.folder / "lib") if differs else ("survived", "")
-        for program, objects in in_programs.items():
-            if verdict == "survived":
-                path = workshop.build_program(program, objects)
-                verdict = programs.run(path.name, workshop.folder / "lib", path=path).replace("passed", "survived")
-                by = path.name
+        if verdict == "survived":
+            verdict, by = try_in_programs(in_programs, workshop, programs)
         if verdict == "survived":
             by = "also the slow ones" if programs.slow else ""
             return Result("same" if workshop.is_same_optimised(mutant.file) else verdict, by)
@@ -60,6 +57,18 @@ def try_mutant(mutant, text, workshop, programs):
         return Result("broken", "")
     finally:
         workshop.take_back(mutant.file)
+
+
+def try_in_programs(in_programs, workshop, programs):
+    for program, objects in in_programs.items():
+        try:
+            path = workshop.build_program(program, objects)
+        except DoesNotCompile:
+            return "killed", program  # by what the test asserts at compile time
+        verdict = programs.run(path.name, workshop.folder / "lib", path=path)
+        if verdict != "passed":
+            return verdict, program
+    return "survived", ""
 
 
 class Run:
