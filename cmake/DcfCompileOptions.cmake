@@ -1,4 +1,4 @@
-# The options that every target is compiled with, as one interface target: warnings, sanitizers, large files.
+# The options that every target is compiled with, as one interface target: warnings, sanitizers, protections, large files.
 add_library(dcf-compile-options INTERFACE)
 target_compile_options(dcf-compile-options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wformat=2
@@ -11,4 +11,12 @@ if(DCF_SANITIZE)
   target_compile_options(dcf-compile-options INTERFACE
     -fsanitize=${DCF_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(dcf-compile-options INTERFACE -fsanitize=${DCF_SANITIZE})
+endif()
+# What Debian calls hardening=+all. The distribution's own list is compared with it (scripts/checks/install).
+if(DCF_HARDENING)
+  include(CheckPIESupported)
+  check_pie_supported(LANGUAGES CXX)
+  target_compile_options(dcf-compile-options INTERFACE -fstack-protector-strong -Wformat -Werror=format-security)
+  target_compile_definitions(dcf-compile-options INTERFACE $<$<NOT:$<CONFIG:Debug>>:_FORTIFY_SOURCE=2>)
+  target_link_options(dcf-compile-options INTERFACE LINKER:-z,relro LINKER:-z,now)
 endif()

@@ -18,7 +18,9 @@ public:
     CSFileListItem();
     /// Does nothing.
     ~CSFileListItem();
+    /// Copies every field.
     CSFileListItem(const CSFileListItem&) = default;
+    /// Copies every field. @return this item.
     CSFileListItem& operator=(const CSFileListItem&) = default;
 
     char m_strURI[KELP_DCF_MAX_FILE_NAME_LEN];    ///< Full path of the file, cut at 98 characters.

@@ -21,20 +21,20 @@ struct PhotoInfo {
 /// the names are the collector's and its client's business.
 /// No video collector is ever called: see ISFileList::RegisterVideoMetadataCB.
 struct VideoInfo {
-    std::int32_t imageWidth;
-    std::int32_t imageHeight;
-    std::int32_t hasAudio;
-    std::int32_t fps;
-    std::int32_t videoBitRate;
-    std::int32_t audioBitRate;
-    std::int32_t multiMotion;
-    std::int32_t reserved1; ///< The collector's own, like the other reserved ones.
-    std::int32_t totalTime;
-    std::int32_t reserved2;
-    std::int32_t fileSize;
-    std::int32_t reserved3;
-    char date[16]; ///< Text of at most 16 characters; without a terminator where it fills the field.
-    std::int32_t reserved4;
+    std::int32_t imageWidth;   ///< Width of a frame.
+    std::int32_t imageHeight;  ///< Height of a frame.
+    std::int32_t hasAudio;     ///< Whether there is sound.
+    std::int32_t fps;          ///< Frames per second.
+    std::int32_t videoBitRate; ///< Bit rate of the pictures.
+    std::int32_t audioBitRate; ///< Bit rate of the sound.
+    std::int32_t multiMotion;  ///< A mode of the collector's.
+    std::int32_t reserved1;    ///< The collector's own.
+    std::int32_t totalTime;    ///< How long it plays.
+    std::int32_t reserved2;    ///< The collector's own.
+    std::int32_t fileSize;     ///< Size of the file.
+    std::int32_t reserved3;    ///< The collector's own.
+    char date[16];             ///< Text of at most 16 characters; without a terminator where it fills the field.
+    std::int32_t reserved4;    ///< The collector's own.
 };
 
 #endif

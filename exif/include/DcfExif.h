@@ -21,6 +21,7 @@
 #include "CSFileListItem.h"
 #include "MetadataInfo.h"
 
+/// Marks what libdcfexif exports.
 #define DCF_EXIF_API __attribute__((visibility("default")))
 
 /// What CollectExif() returns. Everything but DCF_EXIF_OK means that nothing was filled.
@@ -123,7 +124,10 @@ struct DcfExifInfo {
     std::int32_t sharpness;           ///< See DcfExifHardnessText(); DCF_EXIF_UNKNOWN_CHOICE.
 };
 
-/// Names the fields of a record. @return false, with nothing written, when it is not one of CollectExif().
+/// Names the fields of a record.
+/// @param from a record; only one of CollectExif() is read.
+/// @param to the caller's; filled whole, or not at all.
+/// @return whether it was filled: false for a record of another collector or of none.
 inline bool DcfExifRead(const PhotoInfo& from, DcfExifInfo* to) {
     if ((from.attributeByte1 & DCF_EXIF_PRESENT) == 0) {
         return false;
@@ -159,6 +163,8 @@ inline bool DcfExifRead(const PhotoInfo& from, DcfExifInfo* to) {
 }
 
 /// Where a trailing word stands in CSFileListItem::m_aMeta: the list hands the eighth out behind the eleventh.
+/// @param trailingWord its place in PhotoInfo::trailingWords, 0 to 16.
+/// @return its place in m_aMeta, 2 to 18.
 constexpr std::size_t DcfExifPlaceInItem(std::size_t trailingWord) {
     return trailingWord < 7    ? trailingWord + 2
            : trailingWord == 7 ? 12
@@ -166,7 +172,9 @@ constexpr std::size_t DcfExifPlaceInItem(std::size_t trailingWord) {
                                : trailingWord + 2;
 }
 
-/// The record that the list was given for an item; without metadata one that DcfExifRead() refuses.
+/// The record that the list was given for an item.
+/// @param item a filled item.
+/// @return the record; for an item without metadata one that DcfExifRead() refuses.
 inline PhotoInfo DcfExifPhotoInfo(const CSFileListItem& item) {
     PhotoInfo info = PhotoInfo();
     info.attributeByte1 = item.m_nMetaFlag;
@@ -184,18 +192,24 @@ inline PhotoInfo DcfExifPhotoInfo(const CSFileListItem& item) {
     return info;
 }
 
-/// Names the metadata of an item of the list. @return false, with nothing written, when it has none of CollectExif().
+/// Names the metadata of an item of the list.
+/// @param item a filled item.
+/// @param to the caller's; filled whole, or not at all.
+/// @return whether it was filled: false for an item that has no metadata of CollectExif().
 inline bool DcfExifRead(const CSFileListItem& item, DcfExifInfo* to) {
     return DcfExifRead(DcfExifPhotoInfo(item), to);
 }
 
 /// A value of EXIF's and what it says.
 struct DcfExifWordRow {
-    std::int32_t value;
-    const char* text;
+    std::int32_t value; ///< A value of EXIF's.
+    const char* text;   ///< What it says, in English.
 };
 
-/// @return what a table says to a value; null for "unknown" and for every value that it does not hold.
+/// Looks a value up.
+/// @param table the rows to look in.
+/// @param value the value.
+/// @return what the table says to it; null for "unknown" and for every value that it does not hold.
 template <std::size_t Rows>
 inline const char* DcfExifTextIn(const DcfExifWordRow (&table)[Rows], std::int32_t value) {
     for (std::size_t i = 0; i < Rows; ++i) {
@@ -206,9 +220,9 @@ inline const char* DcfExifTextIn(const DcfExifWordRow (&table)[Rows], std::int32
     return nullptr;
 }
 
-// Each of these gives the words for a value, and null for one that is unknown.
-
 /// How the stored picture is to be turned to be seen upright; mirrored means left to right, before it is turned.
+/// @param value DcfExifInfo::orientation.
+/// @return the words, which are constants; null for a value that is unknown. So with all the functions below.
 inline const char* DcfExifOrientationText(std::int32_t value) {
     static const DcfExifWordRow table[] = {
         {1, "upright"},           {2, "mirror"},     {3, "turn around"},        {4, "mirror, turn around"},
@@ -216,6 +230,9 @@ inline const char* DcfExifOrientationText(std::int32_t value) {
     return DcfExifTextIn(table, value);
 }
 
+/// What the exposure was set by.
+/// @param value DcfExifInfo::exposureProgram.
+/// @return the words, or null.
 inline const char* DcfExifProgramText(std::int32_t value) {
     static const DcfExifWordRow table[] = {{1, "manual"},           {2, "normal program"}, {3, "aperture priority"},
                                            {4, "shutter priority"}, {5, "creative"},       {6, "action"},
@@ -223,12 +240,18 @@ inline const char* DcfExifProgramText(std::int32_t value) {
     return DcfExifTextIn(table, value);
 }
 
+/// How the light was measured.
+/// @param value DcfExifInfo::meteringMode.
+/// @return the words, or null.
 inline const char* DcfExifMeteringText(std::int32_t value) {
     static const DcfExifWordRow table[] = {{1, "average"}, {2, "centre-weighted"}, {3, "spot"},   {4, "multi-spot"},
                                            {5, "pattern"}, {6, "partial"},         {255, "other"}};
     return DcfExifTextIn(table, value);
 }
 
+/// The source of light.
+/// @param value DcfExifInfo::lightSource.
+/// @return the words, or null.
 inline const char* DcfExifLightText(std::int32_t value) {
     static const DcfExifWordRow table[] = {{1, "daylight"},
                                            {2, "fluorescent"},
@@ -254,32 +277,49 @@ inline const char* DcfExifLightText(std::int32_t value) {
     return DcfExifTextIn(table, value);
 }
 
+/// How the white balance was set.
+/// @param value DcfExifInfo::whiteBalance.
+/// @return the words, or null.
 inline const char* DcfExifWhiteBalanceText(std::int32_t value) {
     static const DcfExifWordRow table[] = {{0, "automatic"}, {1, "manual"}};
     return DcfExifTextIn(table, value);
 }
 
+/// How the exposure was set.
+/// @param value DcfExifInfo::exposureMode.
+/// @return the words, or null.
 inline const char* DcfExifExposureModeText(std::int32_t value) {
     static const DcfExifWordRow table[] = {{0, "automatic"}, {1, "manual"}, {2, "automatic bracket"}};
     return DcfExifTextIn(table, value);
 }
 
+/// The kind of scene.
+/// @param value DcfExifInfo::sceneCaptureType.
+/// @return the words, or null.
 inline const char* DcfExifSceneText(std::int32_t value) {
     static const DcfExifWordRow table[] = {{0, "standard"}, {1, "landscape"}, {2, "portrait"}, {3, "night"}};
     return DcfExifTextIn(table, value);
 }
 
-/// For contrast and sharpness.
+/// The contrast or the sharpness that was asked for.
+/// @param value DcfExifInfo::contrast or DcfExifInfo::sharpness.
+/// @return the words, or null.
 inline const char* DcfExifHardnessText(std::int32_t value) {
     static const DcfExifWordRow table[] = {{0, "normal"}, {1, "soft"}, {2, "hard"}};
     return DcfExifTextIn(table, value);
 }
 
+/// The saturation that was asked for.
+/// @param value DcfExifInfo::saturation.
+/// @return the words, or null.
 inline const char* DcfExifSaturationText(std::int32_t value) {
     static const DcfExifWordRow table[] = {{0, "normal"}, {1, "low"}, {2, "high"}};
     return DcfExifTextIn(table, value);
 }
 
+/// What the flash did.
+/// @param flash DcfExifInfo::flash.
+/// @return the words, or null.
 inline const char* DcfExifFlashText(std::uint8_t flash) {
     if ((flash & DCF_EXIF_FLASH_KNOWN) == 0) {
         return nullptr;
@@ -291,12 +331,16 @@ inline const char* DcfExifFlashText(std::uint8_t flash) {
 }
 
 /// What the flash was set to.
+/// @param flash DcfExifInfo::flash.
+/// @return the words, or null.
 inline const char* DcfExifFlashModeText(std::uint8_t flash) {
     static const DcfExifWordRow table[] = {{0x08, "on"}, {0x10, "off"}, {0x18, "automatic"}};
     return (flash & DCF_EXIF_FLASH_KNOWN) != 0 ? DcfExifTextIn(table, flash & DCF_EXIF_FLASH_MODE_MASK) : nullptr;
 }
 
 /// Whether the light of the flash came back.
+/// @param flash DcfExifInfo::flash.
+/// @return the words, or null.
 inline const char* DcfExifFlashReturnText(std::uint8_t flash) {
     static const DcfExifWordRow table[] = {{0x04, "no return seen"}, {0x06, "return seen"}};
     return (flash & DCF_EXIF_FLASH_KNOWN) != 0 ? DcfExifTextIn(table, flash & DCF_EXIF_FLASH_RETURN_MASK) : nullptr;

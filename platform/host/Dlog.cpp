@@ -34,9 +34,12 @@ struct Destination {
 constexpr std::size_t kMaxText = 4096;
 
 // O_NONBLOCK while opening: a named pipe that nobody reads is an error, not a reason to wait. Not below 3: where a
-// program has closed its standard streams, the log must not become one of them.
+// program has closed its standard streams, the log must not become one of them. A link is not followed: in a folder
+// that others may write to it could name any file of the user's. Lines hold paths of pictures, so they are the user's
+// alone.
 int OpenForAppending(const char* path) {
-    const int opened = ::open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0644);
+    const int opened =
+        ::open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK | O_NOFOLLOW, 0600);
     if (opened < 0) {
         return -1;
     }
@@ -64,7 +67,7 @@ Destination Choose(const char* setting) {
         if (fd >= 0) {
             destination = {Destination::Kind::Descriptor, fd, Colours::Drop};
         } else {
-            const char* cause = std::strerror(errno);
+            const char* cause = errno == ELOOP ? "it is a link" : std::strerror(errno);
             Line complaint;
             complaint.Add("dcfplatform-host: no log: \"").Add(name).Add("\", named by DCF_LOG, cannot be opened: ");
             (void)complaint.Add(cause).WriteTo(STDERR_FILENO); // there is nowhere else to say it

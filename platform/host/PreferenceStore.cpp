@@ -15,6 +15,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string_view>
@@ -47,6 +48,7 @@ constexpr char kInsert[] = "INSERT OR REPLACE INTO preference (class, key, value
 constexpr char kForeign[] = "it is not a preference store; move it away or name another file in DCF_PREFERENCES";
 
 constexpr char kNoFile[] = "it is not a file; name one in DCF_PREFERENCES";
+constexpr char kLink[] = "it is a link; name the file itself in DCF_PREFERENCES";
 
 StoreError Damaged(const std::string& detail) {
     return StoreError("it is damaged (" + detail + "); put a copy in its place, or move it away to start anew");
@@ -79,6 +81,12 @@ struct Finalize {
     }
 };
 
+struct FreeText {
+    void operator()(char* text) const {
+        std::free(text);
+    }
+};
+
 struct Close {
     void operator()(sqlite3* database) const {
         (void)sqlite3_close(database); // no statement is left; rolls back what was not committed
@@ -90,7 +98,8 @@ public:
     Database(const std::string& path, int flags) {
         sqlite3* opened = nullptr;
         errno = 0; // SQLite tells it even where no system call failed
-        const int code = sqlite3_open_v2(path.c_str(), &opened, flags | SQLITE_OPEN_EXRESCODE, nullptr);
+        const int code =
+            sqlite3_open_v2(path.c_str(), &opened, flags | SQLITE_OPEN_EXRESCODE | SQLITE_OPEN_NOFOLLOW, nullptr);
         m_database.reset(opened);
         Require(code);
         Require(sqlite3_busy_timeout(opened, kBusyTimeoutMs));
@@ -144,6 +153,26 @@ private:
     std::unique_ptr<sqlite3, Close> m_database;
 };
 
+// The store's folder without links, which may lead to it; the store itself may not be one. SQLite's own flag against
+// links would refuse both.
+std::string InRealFolder(const std::string& path) {
+    const std::size_t slash = path.rfind('/'); // there is one, see PreferencePath()
+    const std::unique_ptr<char, FreeText> folder(::realpath(path.substr(0, slash + 1).c_str(), nullptr));
+    if (!folder) {
+        throw StoreError(std::string("its folder cannot be found: ") + std::strerror(errno));
+    }
+    return folder.get() + path.substr(slash);
+}
+
+// The store as an empty file of the user's alone: SQLite would let everybody read it. Its journals take its mode.
+void MakeEmptyFile(const std::string& path) {
+    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (fd >= 0) {
+        (void)::close(fd); // nothing was written through it
+    }
+    // Another process may have been first; what else went wrong goes wrong for SQLite too, which tells of it.
+}
+
 enum class Found { Nothing, EmptyFile, Store };
 
 std::uint32_t BigEndian(const unsigned char* bytes) {
@@ -171,10 +200,13 @@ Found Examine(const std::string& path) {
     if (path.back() == '/') {
         throw StoreError(kNoFile);
     }
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW);
     if (fd < 0) {
         if (errno == ENOENT) {
             return Found::Nothing;
+        }
+        if (errno == ELOOP) {
+            throw StoreError(kLink);
         }
         throw StoreError(std::string("it cannot be opened: ") + std::strerror(errno));
     }
@@ -229,7 +261,7 @@ long ReadPreference(const std::string& path, int group, int key) {
         return 0;
     }
     // For writing, too: a set that a power cut interrupted must be taken back before the store can be read.
-    Database database(path, SQLITE_OPEN_READWRITE);
+    Database database(InRealFolder(path), SQLITE_OPEN_READWRITE);
     database.Run("BEGIN");
     if (!HoldsStore(database)) {
         return 0;
@@ -245,8 +277,9 @@ long ReadPreference(const std::string& path, int group, int key) {
 void WritePreference(const std::string& path, int group, int key, long value) {
     if (Examine(path) == Found::Nothing) {
         MakeFoldersAbove(path);
+        MakeEmptyFile(path);
     }
-    Database database(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+    Database database(InRealFolder(path), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
     database.Run("PRAGMA synchronous = EXTRA");
     database.Run("BEGIN IMMEDIATE");
     if (!HoldsStore(database)) {

@@ -17,7 +17,8 @@ namespace vell {
 /// Holds a POSIX mutex from construction to destruction.
 class __attribute__((visibility("default"))) ScopedLock {
 public:
-    /// Locks the mutex, which must outlive this object and must not be held by the calling thread.
+    /// Locks the mutex, and waits for it where another thread holds it.
+    /// @param mutex the caller's; it must outlive this object and must not be held by the calling thread.
     explicit ScopedLock(pthread_mutex_t* mutex);
     /// Unlocks it.
     ~ScopedLock();

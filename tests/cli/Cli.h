@@ -71,8 +71,15 @@ inline constexpr bool kHasTimes = false;
 inline constexpr bool kHasTimes = true;
 #endif
 
+/// Whether the dcfctl that is tested has the EXIF collector.
+#ifdef DCFCTL_HAVE_EXIF
+inline constexpr bool kHasExif = true;
+#else
+inline constexpr bool kHasExif = false;
+#endif
+
 /// What show says last of a file that tells nothing of itself.
-inline constexpr const char* kNoMetadata = DCFCTL_HAS_EXIF ? "  metadata   -" : "  metadata   not in this build";
+inline constexpr const char* kNoMetadata = kHasExif ? "  metadata   -" : "  metadata   not in this build";
 
 /// The text in lines, without their ends.
 [[nodiscard]] Words Lines(const std::string& text);

@@ -72,7 +72,7 @@ TEST(Json, TellsEverythingAboutAFile) {
     EXPECT_EQ(files[1]["companion"],
               Json({{"type", "SRW"}, {"path", card.Path("100ABCDE", "KVR_0001.SRW")}, {"path_bytes", nullptr}}));
     Json shown = Json::parse(OnCard(card.Root(), {"show", "--json", "0"}).out)["file"];
-    EXPECT_EQ(shown.erase("metadata") == 1, DCFCTL_HAS_EXIF) << "what the picture tells has tests of its own";
+    EXPECT_EQ(shown.erase("metadata") == 1, clitest::kHasExif) << "what the picture tells has tests of its own";
     shown.erase("metadata_missing");
     EXPECT_EQ(shown, files[0]);
 }

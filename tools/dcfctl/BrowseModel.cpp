@@ -49,7 +49,14 @@ int BrowseModel::Selected() const {
 }
 
 std::vector<Finding> BrowseModel::Warnings() const {
-    return m_listing.has_value() ? m_listing->Warnings() : std::vector<Finding>();
+    if (!m_listing.has_value()) {
+        return {};
+    }
+    std::vector<Finding> warnings = m_listing->Warnings();
+    if (auto shared = m_listing->SharedInCamera()) {
+        warnings.push_back(std::move(*shared));
+    }
+    return warnings;
 }
 
 std::optional<Finding> BrowseModel::Open() {

@@ -3,10 +3,12 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string>
 
 #include "DcfNames.h"
 #include "Metadata.h"
 #include "Rehearsal.h"
+#include "Text.h"
 
 namespace dcfctl {
 namespace {
@@ -101,6 +103,21 @@ std::set<int> CardListing::NotFoundByNumber() const {
         position = first ? positions.erase(position) : std::next(position);
     }
     return positions;
+}
+
+std::optional<Finding> CardListing::SharedInCamera() const {
+    const std::set<int> positions = NotFoundByNumber();
+    if (positions.empty()) {
+        return std::nullopt;
+    }
+    const bool one = positions.size() == 1;
+    const std::string first = Quoted(SplitPath(Simple(*positions.begin()).path).file);
+    return Finding{"camera-number-shared", ExitCode::kSuccess,
+                   (one ? first + " in 'Camera' has"
+                        : std::to_string(positions.size()) + " files of 'Camera', " + first + " the first, have") +
+                       " the number of another file there, the tenth to fifteenth characters of the name, by which the "
+                       "list finds a file, so it could be taken for that one; rename " +
+                       (one ? "it" : "them")};
 }
 
 /// The item carries what was collected from the next conversion on, so the first one is only for collecting.

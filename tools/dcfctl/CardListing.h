@@ -47,6 +47,8 @@ public:
     [[nodiscard]] const std::vector<Finding>& Warnings() const {
         return m_report.warnings;
     }
+    /// What is to be said where files are looked up one by one: those of "Camera" that share a number.
+    [[nodiscard]] std::optional<Finding> SharedInCamera() const;
     /// What is to be said where the marks and details were not asked for: the number of the files, their paths.
     [[nodiscard]] std::vector<Finding> WarningsWithoutDetails() const;
 

@@ -55,6 +55,16 @@ bool LooksLikePicture(const std::string& name) {
 
 // ---- Entries of "DCIM" ----
 
+/// What of the names is worth a second look, as the end of a sentence that has counted them.
+std::string PicturesText(const std::vector<std::string>& names) {
+    const auto pictures = std::count_if(names.begin(), names.end(), LooksLikePicture);
+    if (pictures == 0) {
+        return "";
+    }
+    const std::string which = names.size() == 1 ? ", which " : ", " + std::to_string(pictures) + " of which ";
+    return which + (pictures == 1 ? "looks like a picture or movie" : "look like pictures or movies");
+}
+
 std::string ContentText(const std::string& path) {
     const FolderContents contents(path, false);
     const std::vector<std::string>& names = contents.Names();
@@ -64,11 +74,7 @@ std::string ContentText(const std::string& path) {
     if (names.empty()) {
         return "; it is empty";
     }
-    const auto pictures = std::count_if(names.begin(), names.end(), LooksLikePicture);
-    return "; with it " + CountText(names.size(), "entry is", "entries are") + " left out" +
-           (pictures > 0 ? ", " + std::to_string(pictures) + " of which " +
-                               (pictures == 1 ? "looks like a picture or movie" : "look like pictures or movies")
-                         : "");
+    return "; with it " + CountText(names.size(), "entry is", "entries are") + " left out" + PicturesText(names);
 }
 
 Cause NumberTaken(const CardCheck& check, const std::string& name, int number) {

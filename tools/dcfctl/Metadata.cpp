@@ -1,14 +1,14 @@
 // With or without the component; see the header.
 #include "Metadata.h"
 
-#ifdef DCFCTL_EXIF
+#ifdef DCFCTL_HAVE_EXIF
 #include "DcfExif.h"
 #endif
 
 namespace dcfctl {
 
 PhotoCollector ExifCollector() {
-#ifdef DCFCTL_EXIF
+#ifdef DCFCTL_HAVE_EXIF
     return CollectExif;
 #else
     return nullptr;

@@ -11,7 +11,7 @@
 #ifdef DCFCTL_HAVE_EXIF
 #include <libexif/exif-data.h>
 #endif
-#ifdef DCFCTL_HAVE_PIXBUF
+#ifdef DCFCTL_HAVE_THUMBNAILS
 #include <gdk-pixbuf/gdk-pixbuf.h>
 #endif
 
@@ -95,7 +95,7 @@ PictureHead DecodeHead(const std::string& /*path*/) {
 
 #endif
 
-#ifdef DCFCTL_HAVE_PIXBUF
+#ifdef DCFCTL_HAVE_THUMBNAILS
 
 namespace {
 

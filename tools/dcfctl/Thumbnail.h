@@ -21,7 +21,7 @@ inline constexpr bool kCanReadThumbnails = true;
 #else
 inline constexpr bool kCanReadThumbnails = false;
 #endif
-#ifdef DCFCTL_HAVE_PIXBUF
+#ifdef DCFCTL_HAVE_THUMBNAILS
 inline constexpr bool kCanMakeThumbnails = true;
 #else
 inline constexpr bool kCanMakeThumbnails = false;

@@ -188,6 +188,20 @@ TEST_F(Browsing, TellsThatNothingIsOddAboutACardOfThisKind) {
     EXPECT_TRUE(playback.Answers("i", "Nothing is odd about this card.")) << playback.Text();
 }
 
+TEST_F(Browsing, TellsOfFilesOfCameraThatShareANumber) {
+    m_card.AddFiles("Camera", {"20240502_120000.JPG", "20240503_123456.JPG"});
+    Playback playback(m_card.Root());
+    ASSERT_TRUE(playback.IsAt(0));
+    EXPECT_TRUE(playback.Answers("i", "any key goes back")) << playback.Text();
+    EXPECT_TRUE(playback.Shows("'20240503_123456.JPG' in 'Camera' has the number of another file")) << playback.Text();
+    playback.Type("i");
+    EXPECT_TRUE(playback.IsAt(0));
+    m_card.AddFile("Camera", "20240504_120000.JPG");
+    ASSERT_TRUE(playback.Answers("r", "8 files")) << playback.Text();
+    EXPECT_TRUE(playback.Answers("i", "2 files of 'Camera', '20240503_123456.JPG' the first, have the number"))
+        << playback.Text();
+}
+
 TEST_F(Browsing, TheManPageHasEveryKeyOfTheHelp) {
     const std::string page = clitest::ReadFile(DCFCTL_SOURCE_ROOT "/docs/dcfctl.1");
     const std::string table = clitest::ReadFile(DCFCTL_SOURCE_ROOT "/tools/dcfctl/BrowseKeys.h");

@@ -27,7 +27,7 @@ void AddExif(Card& card, const std::string& folder, const std::string& name, con
 // ---- Beside the list
 
 TEST(APhoto, TellsOfItselfBesideTheList) {
-    if (!DCFCTL_HAS_EXIF) {
+    if (!clitest::kHasExif) {
         GTEST_SKIP() << "this build has no EXIF collector";
     }
     Card card;
@@ -49,7 +49,7 @@ TEST(APhoto, TellsOfItselfBesideTheList) {
 }
 
 TEST(APhoto, LeavesOutWhatIsUnknown) {
-    if (!DCFCTL_HAS_EXIF) {
+    if (!clitest::kHasExif) {
         GTEST_SKIP() << "this build has no EXIF collector";
     }
     Card card;
@@ -63,7 +63,7 @@ TEST(APhoto, LeavesOutWhatIsUnknown) {
 }
 
 TEST(APhoto, TellsNothingThatWouldChangeTheScreen) {
-    if (!DCFCTL_HAS_EXIF) {
+    if (!clitest::kHasExif) {
         GTEST_SKIP() << "this build has no EXIF collector";
     }
     Card card;
@@ -78,7 +78,7 @@ TEST(APhoto, TellsNothingThatWouldChangeTheScreen) {
 
 /// The list keeps metadata by the number, so that of the second file would be shown as the first one's ever after.
 TEST(APhoto, OfANumberThatTheListFindsElsewhereTellsNothing) {
-    if (!DCFCTL_HAS_EXIF) {
+    if (!clitest::kHasExif) {
         GTEST_SKIP() << "this build has no EXIF collector";
     }
     Card card;
@@ -98,7 +98,7 @@ TEST(APhoto, OfANumberThatTheListFindsElsewhereTellsNothing) {
 }
 
 TEST(APhoto, TellsNothingInABuildWithoutTheCollector) {
-    if (DCFCTL_HAS_EXIF) {
+    if (clitest::kHasExif) {
         GTEST_SKIP() << "this build has the EXIF collector";
     }
     Card card;
@@ -110,7 +110,7 @@ TEST(APhoto, TellsNothingInABuildWithoutTheCollector) {
 
 // ---- Thumbnails
 
-#if defined(DCFCTL_HAS_PREVIEW) && defined(DCFCTL_HAVE_EXIF)
+#if defined(DCFCTL_HAVE_PREVIEW) && defined(DCFCTL_HAVE_EXIF)
 const std::string& RedThumbnail() {
     static const std::string thumbnail = clitest::Picture(kRed);
     return thumbnail;
@@ -141,7 +141,7 @@ TEST(APreview, OfARawFileIsItsThumbnail) {
     EXPECT_TRUE(playback.Comes([&] { return playback.HasTint(kRed); })) << playback.Text();
 }
 
-#ifdef DCFCTL_HAVE_PIXBUF
+#ifdef DCFCTL_HAVE_THUMBNAILS
 TEST(APreview, OfARawFileWithoutAThumbnailIsThePictureThatItBrings) {
     Card card;
     std::string comments; // a thumbnail is never that long

@@ -276,7 +276,7 @@ TEST_F(Screen, IsGivenBackWhenADeletionIsInterruptedAndSaysWhatIsLeft) {
 
 // ---- Pictures
 
-#ifdef DCFCTL_HAS_PREVIEW
+#ifdef DCFCTL_HAVE_PREVIEW
 /// A card with pictures in which something is to be seen.
 std::string SampleCard(const Card& card) {
     const std::string root = card.Root() + "/s";

@@ -85,7 +85,7 @@ TEST(LeftOut, AFolderWhoseNumberIsTaken) {
     card.Put("100PHOTO", {"KVR_0001.JPG"}).Put("100ABCDE", {"KVR_0002.JPG"});
     ExpectOnly(card, "folder-number-taken",
                {"100ABCDE: '100PHOTO' has the number 100 too and is listed instead of '100ABCDE', because its name "
-                "contains \"PHOTO\"; with it 1 entry is left out, 1 of which looks like a picture or movie"},
+                "contains \"PHOTO\"; with it 1 entry is left out, which looks like a picture or movie"},
                "2 1 0 1", {"renumber-takes-along"});
 }
 
@@ -129,7 +129,7 @@ TEST(LeftOut, HiddenFoldersAreNotToBeNamedLikeFoldersOfPictures) {
         card, "hidden-file",
         {".Trashes: it is a hidden folder, as computers and phones leave them behind; it is empty",
          ".thumbnails: it is a hidden folder, as computers and phones leave them behind; with it 1 entry is left "
-         "out, 1 of which looks like a picture or movie",
+         "out, which looks like a picture or movie",
          "100PHOTO/.trash: it is a hidden folder, as computers and phones leave them behind"},
         "4 1 0 3", {"renumber-takes-along"});
 }

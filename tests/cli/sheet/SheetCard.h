@@ -13,7 +13,7 @@ inline constexpr bool kReadsThumbnails = true;
 #else
 inline constexpr bool kReadsThumbnails = false;
 #endif
-#ifdef DCFCTL_HAVE_PIXBUF
+#ifdef DCFCTL_HAVE_THUMBNAILS
 inline constexpr bool kMakesThumbnails = true;
 #else
 inline constexpr bool kMakesThumbnails = false;

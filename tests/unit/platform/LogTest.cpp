@@ -133,7 +133,7 @@ TEST(Log, AFileGetsTheLinesWithoutEscapeSequencesBehindWhatItHeld) {
     EXPECT_EQ(ending.err, "");
 }
 
-TEST(Log, ANewFileIsWritableForItsOwnerAlone) {
+TEST(Log, ANewFileIsItsOwnersAlone) {
     const TempFolder folder;
     const std::string file = folder / "log";
     const Ending ending = RunWithLog(file.c_str(), [] {
@@ -143,7 +143,32 @@ TEST(Log, ANewFileIsWritableForItsOwnerAlone) {
     ASSERT_TRUE(ending.Completed()) << ending.Describe();
     struct stat status {};
     ASSERT_EQ(::stat(file.c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 07777U, 0644U);
+    EXPECT_EQ(status.st_mode & 07777U, 0600U);
+}
+
+TEST(Log, ALinkIsNotFollowed) {
+    const TempFolder folder;
+    const std::string link = folder / "log";
+    for (const std::string& target : {folder / "held", folder / "missing"}) { // a file of the user's; one to be made
+        dcftest::WriteFile(folder / "held", "the user's\n");
+        ASSERT_EQ(::symlink(target.c_str(), link.c_str()), 0);
+        const Ending ending = RunWithLog(link.c_str(), [] { EXPECT_EQ(LogAsLibrary("start"), 0); });
+        EXPECT_TRUE(ending.Completed()) << ending.Describe();
+        EXPECT_EQ(ending.err,
+                  "dcfplatform-host: no log: \"" + link + "\", named by DCF_LOG, cannot be opened: it is a link\n");
+        EXPECT_EQ(ReadFile(folder / "held"), "the user's\n");
+        EXPECT_NE(::access((folder / "missing").c_str(), F_OK), 0);
+        ASSERT_EQ(::unlink(link.c_str()), 0);
+    }
+}
+
+TEST(Log, ALinkedFolderOnTheWayToTheFileIsTheUsersOwnAffair) {
+    const TempFolder folder;
+    ASSERT_EQ(::mkdir((folder / "real").c_str(), 0700), 0);
+    ASSERT_EQ(::symlink("real", (folder / "link").c_str()), 0);
+    const Ending ending = RunWithLog((folder / "link/log").c_str(), [] { EXPECT_GT(LogAsLibrary("start"), 0); });
+    EXPECT_TRUE(ending.Completed()) << ending.Describe();
+    EXPECT_THAT(ReadFile(folder / "real/log"), EndsWith("> start\n"));
 }
 
 TEST(Log, WhatAFileNameHoldsCannotMakeALineOfItsOwn) {

@@ -21,6 +21,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "ChildProcess.h"
@@ -36,6 +37,20 @@ using dcftest::TempFolder;
 using dcftest::WriteFile;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+
+namespace {
+
+std::function<void()> g_betweenLookAndUse;
+
+} // namespace
+
+// The host layer resolves the store's folder behind its own look at the store and before SQLite's.
+extern "C" char* realpath(const char* path, char* /*resolved, of which nobody here gives one*/) noexcept {
+    if (g_betweenLookAndUse) {
+        std::exchange(g_betweenLookAndUse, nullptr)();
+    }
+    return ::canonicalize_file_name(path);
+}
 
 namespace {
 
@@ -168,6 +183,36 @@ TEST_F(PreferenceFailures, APathThatIsTooLongForTheDatabaseIsRefused) {
 TEST_F(PreferenceFailures, APipeIsNoStoreAndIsNotWaitedFor) {
     ASSERT_EQ(::mkfifo(m_store.c_str(), 0644), 0);
     ExpectUnusable("it is not a file; ");
+}
+
+TEST_F(PreferenceFailures, ALinkIsNotFollowed) {
+    SetVariable("DCF_PREFERENCES", (m_folder / "another").c_str());
+    ASSERT_EQ(pref_set_long(kGroup, kKey, 4711), 0);
+    SetVariable("DCF_PREFERENCES", m_store.c_str());
+    for (const char* target : {"another", "missing"}) { // a sound store; a file to be made
+        std::filesystem::remove(m_store);
+        std::filesystem::create_symlink(target, m_store);
+        ExpectUnusable("it is a link; ");
+    }
+}
+
+TEST_F(PreferenceFailures, ALinkThatTakesTheStoresPlaceBehindTheFirstLookIsNotFollowedEither) {
+    const std::string another = m_folder / "another";
+    SetVariable("DCF_PREFERENCES", another.c_str());
+    ASSERT_EQ(pref_set_long(kGroup, kKey, 4711), 0);
+    const std::string sound = ReadFile(another);
+    SetVariable("DCF_PREFERENCES", m_store.c_str());
+    WriteFile(m_store, sound);
+    const Ending ending = RunInChild([&] {
+        g_betweenLookAndUse = [&] {
+            std::filesystem::remove(m_store);
+            std::filesystem::create_symlink("another", m_store);
+        };
+        EXPECT_EQ(pref_set_long(kGroup, kKey, 1), -1);
+    });
+    EXPECT_TRUE(ending.Completed()) << ending.Describe();
+    EXPECT_THAT(ending.err, HasSubstr(Complaint("written to", m_store, "it cannot be opened as a database")));
+    EXPECT_TRUE(ReadFile(another) == sound); // too long to be shown
 }
 
 TEST_F(PreferenceFailures, AStoreOfANewerVersionIsLeftToIt) {

@@ -89,7 +89,7 @@ TEST_F(Preferences, AReadWithoutAStoreGivesZeroAndMakesNothing) {
     EXPECT_THAT(NamesIn(m_folder.Path()), IsEmpty());
 }
 
-TEST_F(Preferences, TheFirstWriteMakesTheFoldersForTheirOwnerAlone) {
+TEST_F(Preferences, TheFirstWriteMakesTheFoldersAndTheStoreForTheirOwnerAlone) {
     ASSERT_EQ(::mkdir((m_folder / "old").c_str(), 0751), 0);
     const mode_t before = ModeOf(m_folder / "old");
     const std::string store = m_folder / "old/new/newer/store";
@@ -102,8 +102,24 @@ TEST_F(Preferences, TheFirstWriteMakesTheFoldersForTheirOwnerAlone) {
     EXPECT_EQ(ModeOf(m_folder / "old"), before);
     EXPECT_EQ(ModeOf(m_folder / "old/new"), 0700U);
     EXPECT_EQ(ModeOf(m_folder / "old/new/newer"), 0700U);
-    EXPECT_EQ(ModeOf(store) & 022U, 0U);
+    EXPECT_EQ(ModeOf(store), 0600U);
     EXPECT_EQ(pref_get_long(kGroup, kKey), 7);
+}
+
+TEST_F(Preferences, TheModeOfAStoreThatIsThereStays) {
+    ASSERT_EQ(pref_set_long(kGroup, kKey, 7), 0);
+    ASSERT_EQ(::chmod(m_store.c_str(), 0640), 0);
+    ASSERT_EQ(pref_set_long(kGroup, kKey, 8), 0);
+    EXPECT_EQ(ModeOf(m_store), 0640U);
+}
+
+TEST_F(Preferences, ALinkedFolderOnTheWayToTheStoreIsTheUsersOwnAffair) {
+    ASSERT_EQ(::mkdir((m_folder / "real").c_str(), 0700), 0);
+    ASSERT_EQ(::symlink("real", (m_folder / "link").c_str()), 0);
+    SetVariable("DCF_PREFERENCES", (m_folder / "link/store").c_str());
+    EXPECT_EQ(pref_set_long(kGroup, kKey, 7), 0);
+    EXPECT_EQ(pref_get_long(kGroup, kKey), 7);
+    EXPECT_THAT(NamesIn(m_folder / "real"), ElementsAre("store"));
 }
 
 TEST_F(Preferences, AWriteLeavesTheStoreAndNothingElse) {
