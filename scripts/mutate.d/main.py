@@ -24,6 +24,7 @@ def arguments():
     parser.add_argument("--scratch", required=True)
     parser.add_argument("--preload", required=True)
     parser.add_argument("--earlier")
+    parser.add_argument("--same-tests", action="store_true")
     parser.add_argument("--sample", type=int, default=400)
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--jobs", type=int, default=1)
@@ -126,10 +127,10 @@ class Run:
                 print(f"{result.verdict:8} {mutant.key} {result.by}", file=sys.stderr, flush=True)
 
 
-def take_over(earlier, results):
+def take_over(earlier, same_tests, results):
     """What an earlier run of the same sources has found stays found: tests only grow."""
     for key, result in Results(earlier).known.items():
-        if result.verdict != "survived" and key not in results.known:
+        if (same_tests or result.verdict != "survived") and key not in results.known:
             results.add(key, result)
 
 
@@ -166,7 +167,7 @@ def main():
         return 1
     results = Results(folder / "results.tsv")
     if options.earlier:
-        take_over(options.earlier, results)
+        take_over(options.earlier, options.same_tests, results)
     if options.slow:
         results.forget_survivors()
     learn(programs, mutants, results)

@@ -36,8 +36,9 @@ class Mutant:
         return text[:self.start] + self.new + text[self.end:]
 
     def context(self, text):
-        """The line before the one that changes."""
-        return "  " + next((line.strip() for line in reversed(text[:self.start].splitlines()[:-1]) if line.strip()), "")
+        """The line that begins the function, or whatever else stands at the margin."""
+        lines = text[:self.start].splitlines()[:-1]
+        return "  " + next((line for line in reversed(lines) if re.match(r"[A-Za-z]", line)), "")
 
     def change(self, text):
         """The lines before and behind the change, without their indentation."""

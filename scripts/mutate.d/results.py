@@ -40,8 +40,8 @@ class Results:
 
 
 def read_explained(path):
-    """{(file, line of the change ...): reason}. Blocks of lines: the file, the line before the change where others are
-    like it, what went, what came, the reason."""
+    """{(file, line of the change ...): reason}. Blocks of lines: the file, the beginning of the function where
+    the line stands in others, too, what went, what came, the reason."""
     explained = {}
     text = "\n".join(line for line in pathlib.Path(path).read_text().splitlines() if not line.startswith("#"))
     for block in filter(None, (block.strip() for block in text.split("\n\n"))):
