@@ -27,10 +27,10 @@ public:
     static int Destroy();
 
     /// Chooses another storage root than "/mnt/mmc", used from the next ISFileList::Listup on.
-    /// @param uri the root without a trailing slash, at most 97 characters; copied. Paths are cut at 98 characters, so
-    /// a
-    ///        root of more than 71 characters (66 where "Camera" is listed) is taken, but its files can no longer be
-    ///        told apart by their paths: operations may then be fatal, or mean another file. Do not use one.
+    /// @param uri the root without a trailing slash, at most 97 characters; copied.
+    ///        Paths are cut at 98 characters: a root of more than 71 characters (66 where "Camera" is listed) is taken,
+    ///        but its files can no longer be told apart by their paths: operations may then be fatal, or mean another
+    ///        file. Do not use one.
     /// @return 0; -1 without a list, for null and for a longer root, and then nothing changes.
     static int SetBaseURI(const char* uri);
 

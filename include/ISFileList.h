@@ -9,9 +9,9 @@
 ///   number down, "Camera" last; files from the highest file number down, in "Camera" by name.
 /// - *cursor*: the file that browsing stands on.
 /// - *path*: full path of a file as an item carries it: storage root, "/DCIM/", directory, "/", file name.
-/// - *fatal*: a programming error. A backtrace is printed, two lines go to the log and to standard output, the
-/// condition
-///   and an info text, and the process aborts. The text in quotes is the info text.
+/// - *fatal*: a programming error. A backtrace is printed; two lines, the condition and an info text, go to the log
+///   and to standard output; the process aborts.
+///   The text in quotes is the info text.
 /// - *look-up*: finding a listed file again by the two numbers in its path. On a card where two directories, or two
 ///   files of "Camera", share a number, and with paths that were cut, this may meet another file or be fatal
 ///   ("cannot find dir index = %d", "cannot found fnum = %d"). Every operation that fills an item with its metadata

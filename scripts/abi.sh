@@ -5,6 +5,9 @@
 # shellcheck disable=SC2034 # used by the scripts that source this file
 ABI_ARCHITECTURES=(amd64 arm64 armhf)
 
+# has_goldens ARCHITECTURE
+has_goldens() { case " ${ABI_ARCHITECTURES[*]} " in *" $1 "*) ;; *) return 1 ;; esac; }
+
 # preset_of ARCHITECTURE: what builds a library for it here; empty where nothing does.
 preset_of() {
     if [ "$1" = "$(native_architecture)" ]; then
