@@ -196,19 +196,24 @@ void RequireOurHeader(const std::array<unsigned char, 100>& header) {
 
 // A journal ends in this magic text when it belongs to a change of several databases at once, and then names a file
 // that SQLite deletes once it has looked at it. A store's own changes leave none such, so the file would be somebody
-// else's.
+// else's. And SQLite would wait for a pipe.
 void RequireOurJournal(const std::string& path) {
     static constexpr std::string_view kMagic{"\xd9\xd5\x05\xf9\x20\xa1\x63\xd7", 8};
     const int fd = ::open((path + "-journal").c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW);
     if (fd < 0) {
         return; // there is none, or none that SQLite can use
     }
+    struct stat status {};
+    const bool file = ::fstat(fd, &status) == 0 && S_ISREG(status.st_mode);
+    const off_t size = status.st_size;
     std::array<char, kMagic.size()> end{};
-    const off_t size = ::lseek(fd, 0, SEEK_END);
     const auto room = static_cast<off_t>(end.size());
-    const bool named = size >= room && ::pread(fd, end.data(), end.size(), size - room) == room &&
+    const bool named = file && size >= room && ::pread(fd, end.data(), end.size(), size - room) == room &&
                        std::string_view(end.data(), end.size()) == kMagic;
     (void)::close(fd); // nothing was written through it
+    if (!file) {
+        throw StoreError("its journal is not a file; move the journal away");
+    }
     if (named) {
         throw StoreError("its journal belongs to other databases, too; move the journal away");
     }
