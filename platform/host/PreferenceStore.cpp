@@ -31,9 +31,9 @@ constexpr int kBusyTimeoutMs = 10000;
 
 // Every number is in a row twice, the second time inverted. SQLite fills the mirrors, and its check, which knows the
 // damaged page but not the damaged number, compares them: so no damaged byte reads as another value.
-constexpr char kMakeStore[] = "PRAGMA application_id = 0x44434650;"
-                              "PRAGMA user_version = 1;"
-                              "CREATE TABLE preference ("
+constexpr char kMarkStore[] = "PRAGMA application_id = 0x44434650;"
+                              "PRAGMA user_version = 1";
+constexpr char kMakeTable[] = "CREATE TABLE preference ("
                               " class INTEGER NOT NULL,"
                               " key INTEGER NOT NULL,"
                               " value INTEGER NOT NULL,"
@@ -194,6 +194,26 @@ void RequireOurHeader(const std::array<unsigned char, 100>& header) {
     }
 }
 
+// A journal ends in this magic text when it belongs to a change of several databases at once, and then names a file
+// that SQLite deletes once it has looked at it. A store's own changes leave none such, so the file would be somebody
+// else's.
+void RequireOurJournal(const std::string& path) {
+    static constexpr std::string_view kMagic{"\xd9\xd5\x05\xf9\x20\xa1\x63\xd7", 8};
+    const int fd = ::open((path + "-journal").c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW);
+    if (fd < 0) {
+        return; // there is none, or none that SQLite can use
+    }
+    std::array<char, kMagic.size()> end{};
+    const off_t size = ::lseek(fd, 0, SEEK_END);
+    const auto room = static_cast<off_t>(end.size());
+    const bool named = size >= room && ::pread(fd, end.data(), end.size(), size - room) == room &&
+                       std::string_view(end.data(), end.size()) == kMagic;
+    (void)::close(fd); // nothing was written through it
+    if (named) {
+        throw StoreError("its journal belongs to other databases, too; move the journal away");
+    }
+}
+
 // Looks before SQLite does, because SQLite repairs what it takes for an interrupted database, whoever owns it.
 // Closing the file gives up all locks that this process has on it; so no other thread may be using it.
 Found Examine(const std::string& path) {
@@ -222,6 +242,7 @@ Found Examine(const std::string& path) {
     if (size < 0) {
         throw StoreError(std::string("it cannot be read: ") + std::strerror(error));
     }
+    RequireOurJournal(path);
     if (size == 0) {
         return Found::EmptyFile;
     }
@@ -229,15 +250,25 @@ Found Examine(const std::string& path) {
     return Found::Store;
 }
 
+// Nothing but our table, word for word: a view or a trigger in a file is a program, which a look at a value would run.
+void RequireOurTable(Database& database) {
+    const Database::Statement schema = database.Prepare("SELECT sql FROM sqlite_schema");
+    if (!database.Step(schema)) {
+        throw Damaged("its table is missing");
+    }
+    const auto* sql = reinterpret_cast<const char*>(sqlite3_column_text(schema.get(), 0));
+    if (sql == nullptr || std::strcmp(sql, kMakeTable) != 0 || database.Step(schema)) {
+        throw Damaged("it holds something else than its table");
+    }
+}
+
 void RequireSound(Database& database) {
+    RequireOurTable(database);
     const Database::Statement check = database.Prepare("PRAGMA quick_check(1)");
     const char* verdict =
         database.Step(check) ? reinterpret_cast<const char*>(sqlite3_column_text(check.get(), 0)) : nullptr;
     if (verdict == nullptr || std::strcmp(verdict, "ok") != 0) {
         throw Damaged(verdict == nullptr ? "it cannot be checked" : verdict);
-    }
-    if (database.Number("SELECT count(*) FROM sqlite_schema WHERE name = 'preference'") != 1) {
-        throw Damaged("its table is missing");
     }
 }
 
@@ -283,7 +314,8 @@ void WritePreference(const std::string& path, int group, int key, long value) {
     database.Run("PRAGMA synchronous = EXTRA");
     database.Run("BEGIN IMMEDIATE");
     if (!HoldsStore(database)) {
-        database.Run(kMakeStore);
+        database.Run(kMarkStore);
+        database.Run(kMakeTable);
     }
     {
         const Database::Statement insert = database.Prepare(kInsert, group, key);

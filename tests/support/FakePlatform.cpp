@@ -65,6 +65,7 @@ FakePlatform& FakePlatform::Get() {
 void FakePlatform::Reset() {
     const std::lock_guard lock(m_mutex);
     m_lines.clear();
+    m_atLog = nullptr;
     m_preferences.clear();
     m_prefCalls.clear();
     m_forcedGet.reset();
@@ -101,6 +102,11 @@ std::vector<std::string> FakePlatform::Texts() {
 void FakePlatform::ForgetLines() {
     const std::lock_guard lock(m_mutex);
     m_lines.clear();
+}
+
+void FakePlatform::AtLog(std::function<void(const LogLine&)> action) {
+    const std::lock_guard lock(m_mutex);
+    m_atLog = std::move(action);
 }
 
 void FakePlatform::SetPreference(int group, int key, long value) {
@@ -162,7 +168,12 @@ int FakePlatform::Backtraces() {
 void FakePlatform::Log(LogLine line) {
     ReportEvent({"log", std::to_string(line.logId), std::to_string(line.priority), line.tag, line.format, line.file,
                  line.function, std::to_string(line.line), line.buffer});
-    const std::lock_guard lock(m_mutex);
+    std::unique_lock lock(m_mutex);
+    if (const std::function<void(const LogLine&)> action = m_atLog) {
+        lock.unlock(); // it may ask this platform, or throw
+        action(line);
+        lock.lock();
+    }
     m_lines.push_back(std::move(line));
 }
 

@@ -53,6 +53,8 @@ public:
     /// LogLine::Text of every line.
     std::vector<std::string> Texts();
     void ForgetLines();
+    /// Runs at every log line before it is kept; an empty one ends it. What it throws leaves the library's operation.
+    void AtLog(std::function<void(const LogLine&)> action);
 
     /// Stores a preference without a call record.
     void SetPreference(int group, int key, long value);
@@ -85,6 +87,7 @@ public:
 private:
     std::mutex m_mutex;
     std::vector<LogLine> m_lines;
+    std::function<void(const LogLine&)> m_atLog;
     std::map<std::pair<int, int>, long> m_preferences;
     std::vector<PrefCall> m_prefCalls;
     std::optional<long> m_forcedGet;

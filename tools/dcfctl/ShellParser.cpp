@@ -1,6 +1,7 @@
 // The words of a line; see the header.
 #include "ShellParser.h"
 
+#include <algorithm>
 #include <cstddef>
 
 #include "Text.h"
@@ -18,32 +19,45 @@ bool IsQuote(char c) {
     return c == '"' || c == '\'';
 }
 
-/// Cuts one word from the front of a text that begins with it. @return the reason when it has no end.
-std::string TakeWord(std::string_view& rest, std::string& raw, bool& quoted) {
+/// Reads the escapes of a piece of a word and adds it to the word. @return the reason when that cannot be done.
+std::string AddPiece(std::string& piece, Word& word) {
+    const auto text = Unescaped(piece);
+    if (!text.has_value()) {
+        return "the backslash in " + Quoted(piece) + " begins no escape; write a backslash as \\\\";
+    }
+    word.text += *text;
+    piece.clear();
+    return "";
+}
+
+/// Cuts one word from the front of a text that begins with it. @return the reason when it is none.
+std::string TakeWord(std::string_view& rest, Word& word) {
+    std::string piece; // up to the next quote, which no escape reaches across
+    std::string badEscape;
     char quote = '\0';
     std::size_t at = 0;
     for (; at < rest.size(); ++at) {
         const char c = rest[at];
+        const bool opens = quote == '\0' && IsQuote(c);
         if (c == '\\') {
-            raw += rest.substr(at, 2); // an escape is read later; here it only must not end the word
+            piece += rest.substr(at, 2); // an escape is read later; here it only must not end the word
             ++at;
-        } else if (quote != '\0') {
-            if (c == quote) {
-                quote = '\0';
-            } else {
-                raw += c;
-            }
-        } else if (IsQuote(c)) {
-            quote = c;
-            quoted = true;
-        } else if (IsBlank(c)) {
+        } else if (opens || (quote != '\0' && c == quote)) {
+            quote = opens ? c : '\0';
+            word.quoted = true;
+            const std::string reason = AddPiece(piece, word);
+            badEscape = badEscape.empty() ? reason : badEscape;
+        } else if (quote == '\0' && IsBlank(c)) {
             break;
         } else {
-            raw += c;
+            piece += c;
         }
     }
     rest.remove_prefix(std::min(at, rest.size()));
-    return quote == '\0' ? "" : std::string("a quote ") + quote + " is not closed";
+    if (quote != '\0') {
+        return std::string("a quote ") + quote + " is not closed";
+    }
+    return badEscape.empty() ? AddPiece(piece, word) : badEscape;
 }
 
 } // namespace
@@ -56,22 +70,14 @@ ParsedLine ParseLine(std::string_view line) {
             return parsed;
         }
         line.remove_prefix(start);
-        std::string raw;
         Word word;
-        parsed.error = TakeWord(line, raw, word.quoted);
+        parsed.error = TakeWord(line, word);
+        if (parsed.error.empty() && word.text.find('\0') != std::string::npos) {
+            parsed.error = "a word cannot hold a NUL byte";
+        }
         if (!parsed.error.empty()) {
             return parsed;
         }
-        const auto text = Unescaped(raw);
-        if (!text.has_value()) {
-            parsed.error = "the backslash in " + Quoted(raw) + " begins no escape; write a backslash as \\\\";
-            return parsed;
-        }
-        if (text->find('\0') != std::string::npos) {
-            parsed.error = "a word cannot hold a NUL byte";
-            return parsed;
-        }
-        word.text = *text;
         parsed.words.push_back(word);
     }
 }

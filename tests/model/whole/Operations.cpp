@@ -310,7 +310,7 @@ Operation MakeTakeFile(const std::string& name, Chooser& choose) {
 
 Operation MakeChangeMode(const std::string& name, Chooser& choose) {
     const auto [folder, file] = RandomEntry(choose);
-    if (file.empty()) {
+    if (file.empty() || choose.list().card.folders.at(folder).files.at(file).special == Special::DanglingLink) {
         return {};
     }
     const auto mode = choose.dice().Of<mode_t>({0444, 0644, 0555, 0200});

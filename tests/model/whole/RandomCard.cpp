@@ -139,10 +139,41 @@ void MakeRandomCard(Dice& dice, ReferenceCard& card) {
 
 // ---- The real card ----
 
+namespace {
+
+/// A place beside "DCIM" for what a link on the card names.
+std::string LinkTarget(const std::string& path) {
+    static int number = 0;
+    const std::string folder = path.substr(0, path.find("/DCIM/")) + "/named";
+    Check(::mkdir(folder.c_str(), 0755) == 0 || errno == EEXIST, "mkdir " + folder);
+    return folder + "/" + std::to_string(++number);
+}
+
+/// @return whether it is one that has no mode and no time of its own.
+bool MakeSpecial(const std::string& path, Special special) {
+    if (special == Special::Pipe) {
+        Check(::mkfifo(path.c_str(), 0600) == 0, "mkfifo " + path);
+    } else if (special == Special::DanglingLink) {
+        Check(::symlink("nowhere", path.c_str()) == 0, "symlink " + path);
+    }
+    return special == Special::DanglingLink;
+}
+
+} // namespace
+
 void MakeRealFile(const std::string& path, const CardFile& file) {
+    if (file.special == Special::Link) {
+        const std::string target = LinkTarget(path);
+        MakeRealFile(target, {file.mode, file.time, file.folder});
+        Check(::symlink(target.c_str(), path.c_str()) == 0, "symlink " + path);
+        return;
+    }
+    if (MakeSpecial(path, file.special)) {
+        return;
+    }
     if (file.folder) {
         Check(::mkdir(path.c_str(), 0755) == 0, "mkdir " + path);
-    } else {
+    } else if (file.special == Special::None) {
         const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
         Check(fd >= 0, "open " + path);
         (void)::close(fd);
@@ -154,7 +185,13 @@ void MakeRealFile(const std::string& path, const CardFile& file) {
 
 void MakeRealFolder(const std::string& path, const CardFolder& folder) {
     if (folder.plain) {
-        MakeRealFile(path, {folder.mode, 0, false});
+        MakeRealFile(path, {folder.mode, 0, false, folder.special});
+        return;
+    }
+    if (folder.special == Special::Link) {
+        const std::string target = LinkTarget(path);
+        MakeRealFolder(target, {folder.mode, false, folder.files});
+        Check(::symlink(target.c_str(), path.c_str()) == 0, "symlink " + path);
         return;
     }
     Check(::mkdir(path.c_str(), 0755) == 0, "mkdir " + path);
@@ -210,9 +247,13 @@ public:
         }
         return nullptr;
     }
-    struct stat Status(const char* name) const {
+    /// Of what a link names, where it names something.
+    struct stat Status(const char* name, Special special) const {
         struct stat status {};
         Check(::fstatat(::dirfd(m_dir), name, &status, AT_SYMLINK_NOFOLLOW) == 0, std::string("fstatat ") + name);
+        if (special == Special::Link && S_ISLNK(status.st_mode)) {
+            Check(::fstatat(::dirfd(m_dir), name, &status, 0) == 0, std::string("fstatat ") + name);
+        }
         return status;
     }
 
@@ -221,8 +262,12 @@ private:
 };
 
 std::string FileDifference(const std::string& name, const CardFile& file, const struct stat& status) {
-    if (S_ISDIR(status.st_mode) != file.folder) {
+    if (S_ISDIR(status.st_mode) != file.folder || S_ISFIFO(status.st_mode) != (file.special == Special::Pipe) ||
+        S_ISLNK(status.st_mode) != (file.special == Special::DanglingLink)) {
         return name + " is of another kind";
+    }
+    if (file.special == Special::DanglingLink) {
+        return "";
     }
     if ((status.st_mode & 07777U) != file.mode) {
         return name + " has the mode " + ModeText(status.st_mode) + " instead of " + ModeText(file.mode);
@@ -241,7 +286,8 @@ std::string FolderDifference(const std::string& path, const std::string& name, c
         if (file == folder.files.end()) {
             return "the card has " + name + "/" + entry;
         }
-        const std::string difference = FileDifference(name + "/" + entry, file->second, real.Status(entry));
+        const std::string difference =
+            FileDifference(name + "/" + entry, file->second, real.Status(entry, file->second.special));
         if (!difference.empty()) {
             return difference;
         }
@@ -264,11 +310,11 @@ std::string CardDifference(const ReferenceCard& card) {
         if (folder == card.folders.end()) {
             return std::string("the card has ") + entry;
         }
-        const struct stat status = top.Status(entry);
+        const struct stat status = top.Status(entry, folder->second.special);
         if (S_ISDIR(status.st_mode) == folder->second.plain) {
             return std::string(entry) + " is of another kind";
         }
-        if ((status.st_mode & 07777U) != folder->second.mode) {
+        if (!S_ISLNK(status.st_mode) && (status.st_mode & 07777U) != folder->second.mode) {
             return std::string(entry) + " has the mode " + ModeText(status.st_mode) + " instead of " +
                    ModeText(folder->second.mode);
         }

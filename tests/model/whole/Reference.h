@@ -186,6 +186,9 @@ public:
 
 private:
     // ReferenceTree.cpp: listing, numbers, paths.
+    /// The order of what is listed of "DCIM": names of eight characters from the highest down, "Camera" behind them
+    /// all.
+    static bool StandsBefore(const std::string& a, const std::string& b);
     void ListTree(bool includeCamera);
     void ListDirectory(RefDir& dir, int base);
     bool ReadTimes(std::size_t files);

@@ -59,10 +59,10 @@ std::optional<mode_t> ReferenceCard::Stat(const std::string& path) {
         return std::nullopt;
     }
     const Place place = Find(path);
-    if (place.file != nullptr) {
+    if (place.file != nullptr && place.file->special != Special::DanglingLink) {
         return place.file->mode;
     }
-    if (place.folder != nullptr) {
+    if (place.folder != nullptr && place.folder->special != Special::DanglingLink) {
         return place.folder->mode;
     }
     return std::nullopt;
@@ -97,7 +97,7 @@ bool ReferenceCard::Take(const std::string& path, bool alsoFolders) {
         return true;
     }
     if (place.folder != nullptr) {
-        if (!place.folder->plain && (!alsoFolders || !place.folder->files.empty())) {
+        if (place.folder->IsFolder() && (!alsoFolders || !place.folder->files.empty())) {
             return false;
         }
         folders.erase(place.folderName);
@@ -131,7 +131,8 @@ bool ReferenceCard::Rename(const std::string& from, const std::string& to) {
         faults.Changed();
         return true;
     }
-    if (target.folder != nullptr && (source.folder->plain != target.folder->plain || !target.folder->files.empty())) {
+    if (target.folder != nullptr && (source.folder->IsFolder() != target.folder->IsFolder() ||
+                                     (target.folder->IsFolder() && !target.folder->files.empty()))) {
         return false;
     }
     const CardFolder moved = *source.folder;

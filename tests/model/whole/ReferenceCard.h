@@ -15,18 +15,28 @@
 
 namespace dcftest {
 
+/// What an entry of the card may be instead of a file or a folder. A link's mode and time are those of what it names.
+enum class Special { None, Pipe, Link, DanglingLink };
+
 struct CardFile {
     mode_t mode = 0644;
     std::uint32_t time = 0;
     bool folder = false; ///< An empty folder with the name of a file.
+    Special special = Special::None;
 
     bool operator==(const CardFile&) const = default;
 };
 
 struct CardFolder {
     mode_t mode = 0755;
-    bool plain = false; ///< A file with the name of a folder.
+    bool plain = false; ///< A file with the name of a folder; then it may be a pipe or a dangling link, too.
     std::map<std::string, CardFile> files;
+    Special special = Special::None;
+
+    /// A folder itself, not what stands for one.
+    bool IsFolder() const {
+        return !plain && special == Special::None;
+    }
 
     bool operator==(const CardFolder&) const = default;
 };

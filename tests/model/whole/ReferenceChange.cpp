@@ -225,9 +225,7 @@ void Reference::ReorderDirNames() {
             names.push_back(name);
         }
     }
-    std::sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
-        return a.size() == 8 && b.size() == 8 ? b < a : a < b;
-    });
+    std::sort(names.begin(), names.end(), StandsBefore);
     int number = 100;
     for (const std::string& name : names) {
         const std::string target = dcim + "/" + std::to_string(number++) + name.substr(3, 5);

@@ -90,10 +90,6 @@ bool IsDirectoryName(const std::string& name) {
     return end != begin && number >= 100 && number <= 999;
 }
 
-bool FolderBefore(const std::string& a, const std::string& b) {
-    return a.size() == 8 && b.size() == 8 ? b < a : a < b;
-}
-
 bool FileBefore(const std::string& a, const std::string& b) {
     if (a.size() != 12 || b.size() != 12) {
         return a < b;
@@ -106,6 +102,10 @@ bool FileBefore(const std::string& a, const std::string& b) {
 
 RefItem::RefItem() {
     std::fill(std::begin(photo.trailingWords) + 11, std::end(photo.trailingWords), -1);
+}
+
+bool Reference::StandsBefore(const std::string& a, const std::string& b) {
+    return (a == "Camera") != (b == "Camera") ? b == "Camera" : b < a;
 }
 
 void Reference::Met(const std::string& event) {
@@ -127,7 +127,7 @@ void Reference::ListTree(bool includeCamera) {
     std::vector<std::string> names;
     std::copy_if(scanned->begin(), scanned->end(), std::back_inserter(names),
                  [](const std::string& name) { return name.size() == 8 || name == "Camera"; });
-    std::sort(names.begin(), names.end(), FolderBefore);
+    std::sort(names.begin(), names.end(), StandsBefore);
     for (const std::string& name : names) {
         if (!IsDirectoryName(name)) {
             continue;
