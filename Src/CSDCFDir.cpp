@@ -2,6 +2,8 @@
 #include "CSDCFDir.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <functional>
 
@@ -180,8 +182,11 @@ int CSDCFDir::FindInDescending(int fnum) const {
         return kAbsent;
     }
     const auto last = static_cast<std::int64_t>(m_itemGroup.size()) - 1;
-    const std::int64_t highest = std::min(last, std::int64_t{m_itemGroup.front().m_nFileNum} - fnum);
-    const std::int64_t lowest = std::max<std::int64_t>(0, last - (std::int64_t{fnum} - m_itemGroup.back().m_nFileNum));
+    // Between 0 and last, so that they are positions again.
+    const auto highest =
+        static_cast<std::ptrdiff_t>(std::min(last, std::int64_t{m_itemGroup.front().m_nFileNum} - fnum));
+    const auto lowest = static_cast<std::ptrdiff_t>(
+        std::max<std::int64_t>(0, last - (std::int64_t{fnum} - m_itemGroup.back().m_nFileNum)));
     const auto found = std::partition_point(m_itemGroup.begin() + lowest, m_itemGroup.begin() + highest,
                                             [fnum](const DCFItem& item) { return item.m_nFileNum > fnum; });
     return found->m_nFileNum == fnum ? static_cast<int>(found - m_itemGroup.begin()) : kAbsent;

@@ -168,9 +168,8 @@ int CSDCFList::Listup(bool includeCamera) {
         if (!CheckDirNameSyntax(entry.szName)) {
             continue;
         }
-        const int dnum = GetDnum(entry.szName);
-        if (dnum < kelp::kCameraDirNumber || dnum > kelp::kMaxDirNumber ||
-            (dnum == kelp::kCameraDirNumber && !includeCamera)) {
+        const int dnum = GetDnum(entry.szName); // of three characters, so never beyond the last number
+        if (dnum < kelp::kCameraDirNumber || (dnum == kelp::kCameraDirNumber && !includeCamera)) {
             continue;
         }
         char fullPath[KELP_DCF_MAX_FILE_NAME_LEN];

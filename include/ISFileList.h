@@ -18,7 +18,7 @@
 ///   makes it (GetAtSimply() does not), Listup() for the first file too.
 /// - *controlling thread*: the list takes no lock that would make it safe for concurrent change. All operations
 ///   belong to one thread at a time, the controlling thread. The one exception is GetAvailNumOfPhoto(), which
-///   another thread may call while the controlling thread is inside Listup().
+///   other threads may call while the controlling thread is inside Listup(). Any other overlap is the client's error.
 ///
 /// The order of the virtual functions is part of the binary interface.
 #ifndef IS_FILE_LIST_H

@@ -166,6 +166,12 @@ TEST_F(TreeDeleteSet, TakesItemsOutInTheGivenOrderWhenItIsNotAscending) {
     EXPECT_EQ(TreeTexts(*tree), (Texts{"100ABCDE: 3 2"})) << "4 at position 0, then 1, which is at position 2 by then";
 }
 
+TEST_F(TreeDeleteSet, GivesEachDirectoryItsPositionsInWhateverOrderTheyCome) {
+    ListFour();
+    tree->Delete({8, 3, 0});
+    EXPECT_EQ(TreeTexts(*tree), (Texts{"103ABCDE: 2 1", "102ABCDE: 8", "101ABCDE: 7 6 5"}));
+}
+
 TEST_F(TreeDeleteSet, OfAPositionTwiceStaysWithinTheDirectory) {
     card.AddFiles("100ABCDE", {DcfName(2), DcfName(1)});
     List();

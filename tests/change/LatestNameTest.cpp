@@ -114,6 +114,15 @@ TEST_F(LatestName, OfAnEmptyListIsFatal) {
     EXPECT_EQ(MessagesBeforeAssertion(ending), (Texts{"start", "start"}));
 }
 
+// Nobody lists such a directory; a client that puts one into the tree must not end in an exception.
+TEST_F(LatestName, OfAnEmptyListWithADirectoryOfTheNumberZeroIsEmpty) {
+    ASSERT_EQ(List(), 0);
+    list->m_pDCF->m_dirGroup.push_back(std::make_unique<CSDCFDir>(0, "000ABCDE").release());
+    ++list->m_pDCF->m_nDirCount;
+    EXPECT_EQ(Latest(FILE_TYPE_SRW), 0);
+    EXPECT_EQ(Written(), "");
+}
+
 // The mark goes to the front file of the first directory of that number, whatever the path says.
 TEST_F(LatestName, MarksTheFrontFileOfTheFirstDirectoryOfTheNumber) {
     card.AddFiles("101ABCDE", {DcfName(9)});

@@ -173,6 +173,18 @@ TEST(FileNumberZero, InCameraIsMidnightAndHarmlessWhereItIsListed) {
     EXPECT_EQ(Shown(first), (Words{"Camera/20240502_101010.JPG"}));
 }
 
+TEST(FileNumberZero, DoesNoHarmInAFolderWithTheNumberOfCameraWhereItIsListed) {
+    Card card;
+    card.AddFiles("0990ABCD", {"KVR_0000.JPG", "KVR_0001.JPG"});
+    const Outcome run = OnCard(card.Root(), {"ls"});
+    EXPECT_EQ(run.exit, clitest::kSuccess);
+    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(Shown(card), (Words{"0990ABCD/KVR_0001.JPG", "0990ABCD/KVR_0000.JPG"}));
+    Card alone;
+    alone.AddFile("0990ABCD", "KVR_0000.JPG");
+    EXPECT_EQ(OnCard(alone.Root(), {"ls"}).exit, clitest::kPartial) << "not listed";
+}
+
 TEST(CameraDigits, AreMissedInNamesThatCannotBeNumbered) {
     Card card;
     card.AddFiles("Camera",

@@ -317,6 +317,22 @@ TEST_F(ExifFields, PositionIsKnownWhenBothItsHalvesAre) {
     }
 }
 
+TEST_F(ExifFields, PositionIsUnknownWhenAPartOfItIsNegative) {
+    for (const bool negative : {false, true}) {
+        for (const bool below : {false, true}) {
+            // Minutes of a latitude as signed ratios, -31/1 or 31/-1.
+            const std::uint32_t above = negative && !below ? std::uint32_t(-31) : 31;
+            ExifBuilder exif = OrdinaryExif(ByteOrder::kLittle);
+            exif.Ratio(kGps, 2, {{52, 1}, {above, negative && below ? std::uint32_t(-1) : 1}, {0, 1}});
+            std::string tiff = exif.Build();
+            const std::size_t entry = tiff.find(std::string("\x02\0\x05\0\x03\0\0\0", 8));
+            ASSERT_NE(entry, std::string::npos);
+            tiff[entry + 2] = 10; // signed
+            EXPECT_EQ(Collect(JpegFile(ExifSegment(tiff))).Fields().hasPosition, !negative) << below;
+        }
+    }
+}
+
 TEST_F(ExifFields, AltitudeIsBelowTheSeaWhenItsReferenceSaysSo) {
     ExifBuilder exif = OrdinaryExif(ByteOrder::kBig);
     EXPECT_EQ(CollectJpeg(exif.Byte(kGps, 5, {1})).Fields().altitude, -3450);

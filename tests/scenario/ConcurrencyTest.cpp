@@ -1,7 +1,9 @@
 // The documented use of one tree from several threads, which must also be clean under ThreadSanitizer: the operations
-// that hold its mutex.
+// that hold its mutex, and the entry of a new directory, which waits for it.
 #include "Scenario.h"
 
+#include <atomic>
+#include <chrono>
 #include <functional>
 #include <thread>
 
@@ -81,6 +83,49 @@ TEST_F(ConcurrentTree, MovesAndGetAtFromSeveralThreadsGiveWholeItemsAndAWholeCur
     ExpectWhole(current);
     EXPECT_EQ(tree->GetListIndex(current.m_strURI), tree->m_nCurListIndex);
     EXPECT_GT(g_collected, 3) << "the files at the ends and at three positions, at least";
+}
+
+/// A collector that stays inside until it is let go.
+std::atomic<bool> g_inside = false;
+std::atomic<bool> g_mayLeave = false;
+
+int StayInside(char* /*path*/, PhotoInfo* /*info*/) {
+    g_inside = true;
+    while (!g_mayLeave) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return -1;
+}
+
+TEST(ConcurrentNewDirectory, IsMadeBesideAGetNextAndEnteredWhenThatHasLetTheLockGo) {
+    StartAfresh();
+    Card card;
+    card.AddFiles("100PHOTO", {DcfName(9999), DcfName(1)});
+    const auto tree = ListTree(card);
+    CSFileListItem item;
+    ASSERT_EQ(tree->GetFirst(&item), 0);
+    CSDCFList::RegisterPhotoMetadataCB(StayInside);
+
+    std::thread browsing([&] { EXPECT_EQ(tree->GetNext(&item), 0); });
+    while (!g_inside) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    std::atomic<int> index = 0;
+    std::thread naming([&] { index = tree->GetNewFileIndex("PHOTO"); });
+    while (!card.Exists("101PHOTO")) { // made before the lock is asked for
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(100)); // ample for an entry that does not wait
+    EXPECT_EQ(index, 0);
+    EXPECT_EQ(tree->m_nDirCount, 1);
+    EXPECT_EQ(tree->m_dirGroup.size(), 1U);
+
+    g_mayLeave = true;
+    browsing.join();
+    naming.join();
+    EXPECT_EQ(index, 10100001);
+    EXPECT_EQ(tree->m_nDirCount, 2);
+    EXPECT_EQ(item.m_strURI, card.Path("100PHOTO", DcfName(1)));
 }
 
 } // namespace

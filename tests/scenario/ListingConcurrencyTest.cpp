@@ -76,5 +76,23 @@ TEST_F(ConcurrentListing, GetAvailNumOfPhotoAnswersFromTheListingThatItWaitedFor
     ListBeside([&] { EXPECT_EQ(list.GetAvailNumOfPhoto(), 9); }, 151);
 }
 
+TEST_F(ConcurrentListing, GetAvailNumOfPhotoLooksAtTheLastDirectoryOfTheListingThatItWaitedFor) {
+    card.AddFile("999PHOTO", DcfName(9990));
+    ListBeside([&] { EXPECT_EQ(list.GetAvailNumOfPhoto(), 9); }, 151);
+}
+
+TEST_F(ConcurrentListing, SeveralThreadsMayWaitForItsEnd) {
+    ListBeside([&] {
+        std::vector<std::thread> others;
+        for (int i = 0; i < 3; ++i) {
+            others.emplace_back([&] { EXPECT_EQ(list.GetAvailNumOfPhoto(), 20000); });
+        }
+        EXPECT_EQ(list.GetAvailNumOfPhoto(), 20000);
+        for (std::thread& other : others) {
+            other.join();
+        }
+    });
+}
+
 } // namespace
 } // namespace dcftest

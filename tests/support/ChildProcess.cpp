@@ -93,6 +93,17 @@ std::vector<ChildEvent> ParseEvents(const std::string& text) {
     ::_exit(status);
 }
 
+// An emulator of a processor says so, in a last line of its own, when its program ends by a signal.
+std::string WithoutEmulatorsLine(std::string err) {
+#ifdef DCF_TEST_EMULATED
+    const std::size_t line = err.rfind("qemu: uncaught target signal ");
+    if (line != std::string::npos && err.find('\n', line) == err.size() - 1) {
+        err.erase(line);
+    }
+#endif
+    return err;
+}
+
 } // namespace
 
 std::string Ending::Describe() const {
@@ -121,7 +132,7 @@ Ending RunInChild(const std::function<void()>& piece) {
     ending.status = WIFEXITED(status) ? WEXITSTATUS(status) : 0;
     ending.refused = WIFEXITED(status) && ending.status == kChildRefused;
     ending.out = TakeAll(out);
-    ending.err = TakeAll(err);
+    ending.err = WithoutEmulatorsLine(TakeAll(err));
     ending.events = ParseEvents(TakeAll(events));
     return ending;
 }

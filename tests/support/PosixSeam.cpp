@@ -1,6 +1,7 @@
 // The calls are defined here under names of our own, tied to the C library's symbols by assembler labels: so no
 // header's declaration is in the way, and stat and stat64 can both be defined. The plain names must not be redirected
-// to the large-file ones in this file.
+// to the ones for large files and late times in this file.
+#undef _TIME_BITS
 #undef _FILE_OFFSET_BITS
 
 #include "PosixSeam.h"
@@ -130,7 +131,7 @@ void PosixSeam::CutPowerAfterChange(int nth) {
     m_cutAfter = m_changes + nth;
 }
 
-void PosixSeam::FixTime(std::time_t now) {
+void PosixSeam::FixTime(std::int64_t now) {
     m_now = now;
 }
 
@@ -196,10 +197,15 @@ void PosixSeam::Changed() {
     }
 }
 
-void PosixSeam::Listed(dirent** list, int count) {
-    if (m_rewrite && count > 0) {
-        m_rewrite(list, count);
+void PosixSeam::Listed(void** list, int count, bool large) {
+    if (!m_rewrite || count <= 0) {
+        return;
     }
+    // The rewriter's entries are those of a program with large files.
+    if (!large && sizeof(dirent) != sizeof(dirent64)) {
+        throw std::logic_error("a listing without large files cannot be rewritten");
+    }
+    m_rewrite(reinterpret_cast<dirent**>(list), count);
 }
 
 std::tm* PosixSeam::LocalNow() {
@@ -275,14 +281,12 @@ SEAM_PATH_AND(rename, "rename", const char*, argument, Effect::Change)
         return See<int>("scandir", path, "", -1, Effect::Look, [&] {                                                   \
             const int count = real(path, list, filter, order);                                                         \
             const int error = errno;                                                                                   \
-            t_armed->Listed(reinterpret_cast<dirent**>(*list), count);                                                 \
+            t_armed->Listed(reinterpret_cast<void**>(*list), count, std::is_same_v<Entry, dirent64>);                  \
             errno = error;                                                                                             \
             return count;                                                                                              \
         });                                                                                                            \
     }
 
-// The rewriter's dirent is the caller's only where both kinds of entry are the same.
-static_assert(sizeof(dirent) == sizeof(dirent64));
 SEAM_SCANDIR(scandir, dirent)
 SEAM_SCANDIR(scandir64, dirent64)
 
@@ -375,29 +379,43 @@ SEAM_FUNCTION int Seam_usleep(useconds_t microseconds) {
                     [&] { return t_armed->SleepsSkipped() ? 0 : real(microseconds); });
 }
 
-SEAM_FUNCTION std::time_t Seam_time(std::time_t* out) __asm__("time");
-SEAM_FUNCTION std::time_t Seam_time(std::time_t* out) {
-    SEAM_REAL(time, std::time_t(std::time_t*));
-    if (!Seen()) {
-        return real(out);
+#define SEAM_TIME(symbol, Time)                                                                                        \
+    SEAM_FUNCTION Time Seam_##symbol(Time* out) __asm__(#symbol);                                                      \
+    SEAM_FUNCTION Time Seam_##symbol(Time* out) {                                                                      \
+        SEAM_REAL(symbol, Time(Time*));                                                                                \
+        if (!Seen()) {                                                                                                 \
+            return real(out);                                                                                          \
+        }                                                                                                              \
+        return See<Time>("time", nullptr, "", -1, Effect::Look, [&] {                                                  \
+            const Time now = static_cast<Time>(t_armed->Now().value_or(real(nullptr)));                                \
+            if (out != nullptr) {                                                                                      \
+                *out = now;                                                                                            \
+            }                                                                                                          \
+            return now;                                                                                                \
+        });                                                                                                            \
     }
-    return See<std::time_t>("time", nullptr, "", -1, Effect::Look, [&] {
-        const std::time_t now = t_armed->Now().value_or(real(nullptr));
-        if (out != nullptr) {
-            *out = now;
-        }
-        return now;
-    });
-}
 
-SEAM_FUNCTION std::tm* Seam_localtime(const std::time_t* when) __asm__("localtime");
-SEAM_FUNCTION std::tm* Seam_localtime(const std::time_t* when) {
-    SEAM_REAL(localtime, std::tm * (const std::time_t*));
-    if (!Seen()) {
-        return real(when);
+#define SEAM_LOCALTIME(symbol, Time)                                                                                   \
+    SEAM_FUNCTION std::tm* Seam_##symbol(const Time* when) __asm__(#symbol);                                           \
+    SEAM_FUNCTION std::tm* Seam_##symbol(const Time* when) {                                                           \
+        SEAM_REAL(symbol, std::tm*(const Time*));                                                                      \
+        if (!Seen()) {                                                                                                 \
+            return real(when);                                                                                         \
+        }                                                                                                              \
+        return See<std::tm*>("localtime", nullptr, "", nullptr, Effect::Look, [&] {                                    \
+            std::tm* const fixed = t_armed->LocalNow();                                                                \
+            return fixed != nullptr ? fixed : real(when);                                                              \
+        });                                                                                                            \
     }
-    return See<std::tm*>("localtime", nullptr, "", nullptr, Effect::Look, [&] {
-        std::tm* const fixed = t_armed->LocalNow();
-        return fixed != nullptr ? fixed : real(when);
-    });
-}
+
+SEAM_TIME(time, std::time_t)
+SEAM_LOCALTIME(localtime, std::time_t)
+
+// Where time_t has 32 bits, a program that asks for 64 reaches the C library by these names.
+#if __TIMESIZE == 32
+static_assert(sizeof(std::time_t) == 4, "the plain names are redirected");
+SEAM_PATH_AND(__stat64_time64, "stat", void*, "", Effect::Look)
+SEAM_FSTATAT(__fstatat64_time64, void)
+SEAM_TIME(__time64, __time64_t)
+SEAM_LOCALTIME(__localtime64, __time64_t)
+#endif

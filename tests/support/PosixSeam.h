@@ -2,14 +2,15 @@
 // every call goes through untouched. An armed one sees the calls of the thread that armed it: it records them, makes
 // chosen ones fail, ends the process behind a chosen change, and sets the clock.
 //
-// The call names are the plain ones ("stat" also for stat64). What the test itself calls while a PosixSeam is armed
-// is seen too: keep the scope around the operation under test. sync() is recorded but not done, because it would wait
-// for every disk of the machine.
+// The call names are the plain ones ("stat" also for stat64 and __stat64_time64). What the test itself calls while a
+// PosixSeam is armed is seen too: keep the scope around the operation under test. sync() is recorded but not done,
+// because it would wait for every disk of the machine.
 #ifndef TESTS_SUPPORT_POSIX_SEAM_H
 #define TESTS_SUPPORT_POSIX_SEAM_H
 
 #include <dirent.h>
 
+#include <cstdint>
 #include <ctime>
 #include <functional>
 #include <optional>
@@ -56,7 +57,7 @@ public:
     /// The process ends at once (no flush, no destructor) behind the nth call that changed the card, counted from now.
     void CutPowerAfterChange(int nth);
     /// time() gives this; localtime() converts as usual.
-    void FixTime(std::time_t now);
+    void FixTime(std::int64_t now);
     /// localtime() gives this, whatever it is asked.
     void FixLocalTime(const std::tm& now);
     /// usleep() returns 0 at once.
@@ -86,8 +87,8 @@ public:
     /// Records a call. @return the errno it must fail with, or 0.
     int Enter(PosixCall call);
     void Changed();
-    void Listed(dirent** list, int count);
-    std::optional<std::time_t> Now() const {
+    void Listed(void** list, int count, bool large);
+    std::optional<std::int64_t> Now() const {
         return m_now;
     }
     std::tm* LocalNow();
@@ -106,7 +107,7 @@ private:
 
     std::vector<PosixCall> m_calls;
     std::vector<Rule> m_rules;
-    std::optional<std::time_t> m_now;
+    std::optional<std::int64_t> m_now;
     std::optional<std::tm> m_localNow;
     std::function<void(dirent**, int)> m_rewrite;
     int m_fired = 0;

@@ -33,24 +33,31 @@ bool EnterNamespace() {
            WriteText("/proc/self/uid_map", "0 " + uid + " 1") && WriteText("/proc/self/gid_map", "0 " + gid + " 1");
 }
 
+[[noreturn]] void Refuse(const char* step) {
+    RefuseInChild(std::string(step) + ": " + std::strerror(errno));
+}
+
 void MountAsDefaultRoot(const std::string& folder) {
-    const auto refuse = [](const char* step) { RefuseInChild(std::string(step) + ": " + std::strerror(errno)); };
-    if (!EnterNamespace()) {
-        refuse("unshare");
-    }
-    // Nothing mounted from here on may reach the machine's own tree.
-    if (::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
-        refuse("making the mounts private");
-    }
+    EnterPrivateMounts();
     if (::mount("tmpfs", "/mnt", "tmpfs", 0, "mode=0755") != 0 || ::mkdir(kDefaultRoot, 0755) != 0) {
-        refuse("an own /mnt");
+        Refuse("an own /mnt");
     }
     if (::mount(folder.c_str(), kDefaultRoot, nullptr, MS_BIND, nullptr) != 0) {
-        refuse("the card at the default root");
+        Refuse("the card at the default root");
     }
 }
 
 } // namespace
+
+void EnterPrivateMounts() {
+    if (!EnterNamespace()) {
+        Refuse("unshare");
+    }
+    // Nothing mounted from here on may reach the machine's own tree.
+    if (::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
+        Refuse("making the mounts private");
+    }
+}
 
 Ending RunWithDefaultRoot(const std::string& folder, const std::function<void()>& piece) {
     return RunInChild([&] {

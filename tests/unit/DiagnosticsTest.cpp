@@ -64,8 +64,8 @@ TEST_F(LogTest, HasItsFixedArguments) {
 }
 
 TEST_F(LogTest, IsFormatted) {
-    KELP_LOG("%s end, %d of %ld %%", "Listup", -7, 123456789012L);
-    EXPECT_EQ(Only().buffer, "\033[mListup end, -7 of 123456789012 %\033[m\n");
+    KELP_LOG("%s end, %d of %ld %%", "Listup", -7, 1234567890L);
+    EXPECT_EQ(Only().buffer, "\033[mListup end, -7 of 1234567890 %\033[m\n");
 }
 
 TEST_F(LogTest, LosesOneNewlineAtItsEnd) {

@@ -156,6 +156,14 @@ TEST_F(ItemPathTest, IsCutToTheBuffer) {
     }
 }
 
+TEST_F(ItemPathTest, IsNotWrittenWhereThereIsNoRoom) {
+    DCFItem item = Item(100, "KVR_0012.JPG", FILE_TYPE_SRW);
+    Buffer buffer;
+    m_list.GetFullPath(buffer.text, 0, 1, item);
+    m_list.GetObjectFullPath(buffer.text, 0, 1, item);
+    EXPECT_TRUE(buffer.Untouched());
+}
+
 TEST_F(ItemPathTest, OfALongRootIsCutAt98Characters) {
     for (const std::size_t length : {71U, 72U, 73U, 97U}) {
         const std::string root = "/" + std::string(length - 1, 'r');

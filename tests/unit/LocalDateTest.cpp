@@ -54,6 +54,16 @@ TEST(LocalDate, IsTheOneOfTheLocalTimeZone) {
     EXPECT_TRUE(ending.Completed()) << ending.Describe();
 }
 
+TEST(LocalDate, GoesOnBeyondTheYear2038) {
+    const Ending ending = RunInChild([] {
+        ASSERT_EQ(::setenv("TZ", "AAA-5:30", 1), 0);
+        PosixSeam seam;
+        seam.FixTime(4102444799); // 2099-12-31 23:59:59 UTC
+        EXPECT_EQ(Read(), (Parts{2100, 1, 1, 5, 29, 59}));
+    });
+    EXPECT_TRUE(ending.Completed()) << ending.Describe();
+}
+
 TEST(LocalDate, IsTheFirstOf1900WhenTheClockCannotBeConverted) {
     PosixSeam seam;
     seam.Fail("localtime", EOVERFLOW);

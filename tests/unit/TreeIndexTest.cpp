@@ -239,6 +239,17 @@ TEST(TreeIndex, AnswersAsAWalkAfterRandomChanges) {
     }
 }
 
+TEST(TreeIndex, GoesAsFarAsTheCountOfDirectoriesSays) {
+    CSDCFList list;
+    AppendDir(list, 101, "101ABCDE", {2, 1});
+    AppendDir(list, 100, "100ABCDE", {1});
+    ASSERT_EQ(list.GetCount(), 3);
+    --list.m_nDirCount; // nothing tells of it
+    EXPECT_EQ(list.GetCount(), 2);
+    ++list.m_nDirCount;
+    EXPECT_EQ(list.GetCount(), 3);
+}
+
 TEST(TreeIndex, OfOneTreeIsNotDisturbedByAnother) {
     CSDCFList first;
     CSDCFList second;

@@ -96,6 +96,7 @@ SharedNumbers ChooseFolders(Names names, const std::string& dcim, bool camera, s
 /// A file whose number is the one before it is a companion or is left out, and the number before the first is 0.
 int SurveyFiles(const Names& sorted, const std::string& folder, NumberSurvey& numbers) {
     const bool camera = folder == kCamera;
+    const bool numberedLikeCamera = FolderNumber(folder) == kCameraNumber;
     int listed = 0;
     int previous = 0;
     for (const std::string& name : sorted) {
@@ -108,8 +109,9 @@ int SurveyFiles(const Names& sorted, const std::string& folder, NumberSurvey& nu
         listed += item ? 1 : 0;
         previous = file->number;
         const bool missing = !item && !companion;
-        // In "Camera" the number 0 is midnight, and does no harm where the file is listed.
-        if (!file->digits || (file->number == 0 && (!camera || missing))) {
+        // In "Camera" the number 0 is midnight, and does no harm where the file is listed; nor does it in a folder that
+        // has the number of "Camera", by which the list goes.
+        if (!file->digits || (file->number == 0 && (!numberedLikeCamera || missing))) {
             Note(numbers, *file, std::string(folder).append("/").append(name), missing);
         }
     }

@@ -149,6 +149,9 @@ TEST(Hazard, TheNumberZeroBehindOthers) {
     ExpectHazard(
         card, "browsing-stops",
         {"100PHOTO/KVR_0000.JPG: its number is 0000, and from there a camera cannot go on to the next picture"});
+    CheckedCard likeCamera;
+    likeCamera.Put("0990ABCD", {"KVR_0000.JPG", "KVR_0001.JPG"});
+    EXPECT_EQ(Words{}, Of(likeCamera.Check(), "browsing-stops"));
 }
 
 TEST(Hazard, ANameWithTheLettersOfAnotherKind) {
