@@ -2,6 +2,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -186,15 +187,20 @@ TEST(CardListing, EndsWithClose) {
 TEST(CardListing, ReleasesUnreadEntriesAndDescriptors) {
     Card card;
     card.Fill(1, 200);
-    const std::ptrdiff_t before = OpenDescriptors();
-    for (int read = 0; read <= 200; read += 50) {
+    const auto listAndLeave = [&card](int read) {
         PCSDCFFSIO listing(card.Path("100ABCDE").c_str(), false);
         PCSDCFFSIO::PTFile file;
         for (int i = 0; i < read; ++i) {
             ASSERT_EQ(listing.Read(&file), 0);
         }
+    };
+    const std::ptrdiff_t descriptors = OpenDescriptors();
+    const std::size_t memory = mallinfo2().uordblks;
+    for (int round = 0; round < 50; ++round) {
+        listAndLeave(round % 5 * 50);
     }
-    EXPECT_EQ(OpenDescriptors(), before);
+    EXPECT_EQ(OpenDescriptors(), descriptors);
+    EXPECT_LT(mallinfo2().uordblks, memory + 65536) << "50 times 200 entries take more";
 }
 
 TEST(CardListing, ListsAgainInTheSameObject) {

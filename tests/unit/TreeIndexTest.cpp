@@ -166,6 +166,42 @@ TEST(TreeIndex, NoticesEveryChangeOfADirectory) {
     ExpectWalkedAnswers(list);
 }
 
+/// The directories' items are open to everybody.
+TEST(TreeIndex, NoticesAFileThatWasPutPastTheDirectorysOperations) {
+    const std::vector<std::vector<int>> rows[] = {{{}}, {{2}}, {{}, {}}, {{}, {2, 1}}, {{2, 1}, {}}};
+    for (const auto& row : rows) {
+        for (std::size_t changed = 0; changed < row.size(); ++changed) {
+            SCOPED_TRACE(std::to_string(row.size()) + " directories, the file in " + std::to_string(changed));
+            CSDCFList list;
+            list.SetBaseURI("/card");
+            int dnum = 105;
+            for (const std::vector<int>& numbers : row) {
+                AppendDir(list, dnum, std::to_string(dnum) + "PHOTO", numbers);
+                --dnum;
+            }
+            ExpectWalkedAnswers(list); // the index is fresh
+            CSDCFDir& dir = *list.m_dirGroup[changed];
+            DCFItem item;
+            item.setDirNum(dir.m_nDnum);
+            item.setFileNum(9);
+            item.setFileName("KVR_0009.JPG");
+            dir.m_itemGroup.push_front(item);
+            ExpectWalkedAnswers(list);
+        }
+    }
+}
+
+TEST(TreeIndex, CountsTypesWithoutANameAsThoseWithOne) {
+    CSDCFList list;
+    CSDCFDir& dir = AppendDir(list, 100, "100PHOTO", {2, 1});
+    for (const int number : {-3, 6, 7}) {
+        const auto type = static_cast<eFileType>(number);
+        EXPECT_EQ(0, list.GetFileCount(type)) << number;
+        dir.AddHeadObject(type);
+        EXPECT_EQ(1, list.GetFileCount(type)) << number;
+    }
+}
+
 TEST(TreeIndex, TakesUpANewFileAtTheFrontWithItsType) {
     CSDCFList list;
     list.SetBaseURI("/card");
