@@ -166,15 +166,16 @@ TEST(TreeIndex, NoticesEveryChangeOfADirectory) {
     ExpectWalkedAnswers(list);
 }
 
-/// The directories' items are open to everybody.
+/// The directories' items are open to everybody. Noticed in trees of up to eight directories, as most are.
 TEST(TreeIndex, NoticesAFileThatWasPutPastTheDirectorysOperations) {
-    const std::vector<std::vector<int>> rows[] = {{{}}, {{2}}, {{}, {}}, {{}, {2, 1}}, {{2, 1}, {}}};
+    const std::vector<std::vector<int>> rows[] = {{{}},         {{2}},        {{}, {}},
+                                                  {{}, {2, 1}}, {{2, 1}, {}}, std::vector<std::vector<int>>(8)};
     for (const auto& row : rows) {
         for (std::size_t changed = 0; changed < row.size(); ++changed) {
             SCOPED_TRACE(std::to_string(row.size()) + " directories, the file in " + std::to_string(changed));
             CSDCFList list;
             list.SetBaseURI("/card");
-            int dnum = 105;
+            int dnum = 110;
             for (const std::vector<int>& numbers : row) {
                 AppendDir(list, dnum, std::to_string(dnum) + "PHOTO", numbers);
                 --dnum;
