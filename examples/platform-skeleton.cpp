@@ -17,7 +17,8 @@ int __dlog_print(int /*logId*/, int /*priority*/, const char* tag, const char* f
     va_start(arguments, format);
     std::vsnprintf(line + start, sizeof line - static_cast<unsigned>(start), format, arguments);
     va_end(arguments);
-    // Board: its own log. One call for the whole line, so that lines of two threads do not mix.
+    // Board: its own log, which makes harmless what a card's names bring. One call for the whole line, so that lines of
+    // two threads do not mix.
     return std::fputs(line, stderr);
 }
 

@@ -1,6 +1,8 @@
 #include "HostileCard.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <string>
 #include <vector>
 
 #include "RandomCard.h"
