@@ -28,7 +28,7 @@ public:
 /// Its virtual table tells a list's class, with run-time type information and without.
 const void* ClassOf(const ISFileList& list) {
     const void* table = nullptr;
-    std::memcpy(&table, &list, sizeof table);
+    std::memcpy(&table, static_cast<const void*>(&list), sizeof table);
     return table;
 }
 
