@@ -11,7 +11,7 @@ import tempfile
 
 # A changed library may ask for memory, write or compute without end, or wait for ever.
 MEMORY = 4 << 30
-FILE_SIZE = 256 << 20
+FILE_SIZE = 6 << 30  # the largest that a test makes, without contents, has 5 GiB
 COMPUTING = 5   # seconds, and so many times what a program takes on the unchanged library; a machine that is busy does
 WAITING = 60    # not make that longer, so the clock on the wall comes in last
 TIMES = 4
