@@ -29,4 +29,14 @@ TEST(BoundedText, IsCutToItsBufferAndEnds) {
     EXPECT_EQ(std::string(text, sizeof text), std::string("ab0\0re\0\0", 8));
 }
 
+TEST(BoundedText, NumberEndsAtTheFirstCharacterThatIsNoDigit) {
+    const struct {
+        const char* text;
+        int number;
+    } rows[] = {{"1234", 1234}, {"12:4", 12}, {"12/4", 12}, {":234", 0}, {" 234", 234}, {"-234", -234}, {"12", 12}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(kelp::ReadNumber<4>(row.text), row.number) << row.text;
+    }
+}
+
 } // namespace

@@ -204,19 +204,24 @@ TEST(TreeIndex, CountsTypesWithoutANameAsThoseWithOne) {
 }
 
 TEST(TreeIndex, TakesUpANewFileAtTheFrontWithItsType) {
-    CSDCFList list;
-    list.SetBaseURI("/card");
-    AppendDir(list, 101, "101PHOTO", {2, 1});
-    AppendDir(list, 100, "100PHOTO", {9});
-    char prefix[] = "KVR_";
-    int number = 3;
-    for (const char* extension : {"JPG", "SRW", "MPO", "MP4", "AVI", "JPG"}) {
-        ExpectWalkedAnswers(list);
-        std::vector<char> text = dcftest::Writable(extension);
-        char path[99] = "";
-        ASSERT_EQ(0, list.GetNewFileIndex_SetInfo(10100000 + number, prefix, text.data(), path, sizeof path));
-        ExpectWalkedAnswers(list);
-        ++number;
+    for (const int directories : {2, 12}) { // small trees compare themselves with their directories, larger ones do not
+        SCOPED_TRACE(directories);
+        CSDCFList list;
+        list.SetBaseURI("/card");
+        for (int dnum = 100 + directories; dnum > 100; --dnum) {
+            AppendDir(list, dnum, std::to_string(dnum) + "PHOTO", {2, 1});
+        }
+        char prefix[] = "KVR_";
+        int number = 3;
+        for (const char* extension : {"JPG", "SRW", "MPO", "MP4", "AVI", "JPG"}) {
+            ExpectWalkedAnswers(list);
+            std::vector<char> text = dcftest::Writable(extension);
+            char path[99] = "";
+            const int index = (100 + directories) * 100000 + number;
+            ASSERT_EQ(0, list.GetNewFileIndex_SetInfo(index, prefix, text.data(), path, sizeof path));
+            ExpectWalkedAnswers(list);
+            ++number;
+        }
     }
 }
 
