@@ -148,27 +148,21 @@ private:
 /// The time of a file that could not be looked at is 0. Which one it was depends on the order in which the folder holds
 /// the files, so the reference takes that over; any other time has to be its own.
 void AdoptMissingTimes(Forecast& forecast, const Actual& actual) {
-    Reference& list = forecast.after.list;
-    if (!list.tree || actual.list.m_pDCF == nullptr) {
-        return;
-    }
-    const CSDCFList& real = *actual.list.m_pDCF;
-    const auto adopt = [](std::uint32_t& expected, std::uint32_t found) {
+    const auto adopt = [](std::uint32_t expected, std::uint32_t found) {
 #ifdef DCF_ENTRY_TIME_DIRENT
-        expected = found; // what the file system left behind the name
+        (void)expected; // what the file system left behind the name
+        return found;
 #else
-        expected = found == 0 ? 0 : expected;
+        return found == 0 ? 0 : expected;
 #endif
     };
-    for (std::size_t d = 0; d < std::min(list.tree->dirs.size(), real.m_dirGroup.size()); ++d) {
-        auto& items = list.tree->dirs[d].items;
-        for (std::size_t f = 0; f < std::min(items.size(), real.m_dirGroup[d]->m_itemGroup.size()); ++f) {
-            adopt(items[f].time, real.m_dirGroup[d]->m_itemGroup[f].m_nFileTime);
-        }
+    if (!forecast.after.list.tree || actual.list.m_pDCF == nullptr) {
+        return;
     }
-    adopt(list.tree->curItem.time, real.m_CurItem.m_nFileTime);
+    AdoptTimes(forecast.after, actual, adopt);
     for (std::size_t slot = 0; slot < actual.items.size(); ++slot) {
-        adopt(forecast.after.items[slot].m_nFileTime, actual.items[slot].m_nFileTime);
+        std::uint32_t& time = forecast.after.items[slot].m_nFileTime;
+        time = adopt(time, actual.items[slot].m_nFileTime);
     }
 }
 

@@ -147,7 +147,7 @@ std::string ComparedSides::Difference(const Operation& operation, const std::str
         log.resize(log.empty() ? 0 : log.size() - 1);
         outcome.printed.resize(std::min(outcome.printed.size(), outcome.printed.find("[MM_FLIST")));
     }
-    AdoptTimes();
+    AdoptTimesBehindNames(expected, *actual);
     std::string difference = Compare("result", {result}, {outcome.result});
     difference += Compare("log", effects.log, log);
     difference += IsFromOutside(operation) ? "" : Compare("calls", expected.list.card.calls, outcome.calls);
@@ -157,24 +157,6 @@ std::string ComparedSides::Difference(const Operation& operation, const std::str
     difference += m_over ? CardDifference(expected.list.card) : StateDifference(expected, *actual);
     platform.ForgetLines();
     return difference;
-}
-
-/// In a build that reads the times behind the names of the entries, they are what the file system left there.
-void ComparedSides::AdoptTimes() {
-#ifdef DCF_ENTRY_TIME_DIRENT
-    if (expected.list.effects.trees == 0 || !expected.list.tree || actual->list.m_pDCF == nullptr) {
-        return;
-    }
-    RefTree& tree = *expected.list.tree;
-    const CSDCFList& real = *actual->list.m_pDCF;
-    for (std::size_t d = 0; d < std::min(tree.dirs.size(), real.m_dirGroup.size()); ++d) {
-        auto& items = tree.dirs[d].items;
-        for (std::size_t f = 0; f < std::min(items.size(), real.m_dirGroup[d]->m_itemGroup.size()); ++f) {
-            items[f].time = real.m_dirGroup[d]->m_itemGroup[f].m_nFileTime;
-        }
-    }
-    tree.curItem.time = real.m_CurItem.m_nFileTime;
-#endif
 }
 
 ComparedSides::Contents ComparedSides::OnCard() const {

@@ -44,7 +44,6 @@ private:
     std::string Result(const dcftest::Operation& operation);
     std::string Difference(const dcftest::Operation& operation, const std::string& result, Outcome outcome,
                            std::size_t prefCalls);
-    void AdoptTimes();
     Contents OnCard() const;
 
     Contents m_contents; ///< Of the card, as far as is known.

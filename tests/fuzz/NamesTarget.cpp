@@ -50,18 +50,6 @@ private:
     std::unique_ptr<char[]> m_text;
 };
 
-std::vector<std::string> Lines(const std::uint8_t* data, std::size_t size) {
-    std::vector<std::string> lines(1);
-    for (std::size_t i = 0; i < size; ++i) {
-        if (data[i] == '\n') {
-            lines.emplace_back();
-        } else if (data[i] != '\0') {
-            lines.back() += static_cast<char>(data[i]);
-        }
-    }
-    return lines;
-}
-
 std::vector<Folder> FoldersOf(const std::vector<std::string>& lines) {
     std::vector<Folder> folders = {{"100ABCDE", {}}};
     std::size_t files = 0;

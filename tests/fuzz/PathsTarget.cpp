@@ -287,19 +287,6 @@ std::string WithRoot(const std::string& text, const std::string& root) {
     return whole;
 }
 
-std::vector<std::string> Lines(const std::uint8_t* data, std::size_t size) {
-    std::vector<std::string> lines(1);
-    for (std::size_t i = 0; i < size; ++i) {
-        if (data[i] == '\n') {
-            lines.emplace_back();
-        } else if (data[i] != '\0') {
-            lines.back() += static_cast<char>(data[i]);
-        }
-    }
-    lines.resize(std::min(lines.size(), kMostLines));
-    return lines;
-}
-
 void Call(ComparedSides& sides, const std::string& root, const std::string& line) {
     const std::string text = WithRoot(line.substr(1), root);
     CheckNumbers(root, text);
@@ -328,7 +315,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     EscapeAssertions();
     const std::string root = place.Root() + "/r";
     Require(::mkdir(root.c_str(), 0755) == 0, "there is no place for a card");
-    const std::vector<std::string> lines = Lines(data, size);
+    std::vector<std::string> lines = Lines(data, size);
+    lines.resize(std::min(lines.size(), kMostLines));
     {
         ComparedSides sides(MakeCard(root));
         sides.Do(MakeOperation("Listup", *std::make_unique<Dice>(1U), sides.expected), FixedClock());

@@ -41,4 +41,16 @@ std::string Visible(const std::string& text) {
     return shown;
 }
 
+std::vector<std::string> Lines(const std::uint8_t* data, std::size_t size) {
+    std::vector<std::string> lines(1);
+    for (std::size_t i = 0; i < size; ++i) {
+        if (data[i] == '\n') {
+            lines.emplace_back();
+        } else if (data[i] != '\0') {
+            lines.back() += static_cast<char>(data[i]);
+        }
+    }
+    return lines;
+}
+
 } // namespace dcffuzz

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
@@ -20,6 +21,9 @@ void SetUpOnce();
 
 /// The text with every byte outside of ASCII's visible ones as \xNN.
 std::string Visible(const std::string& text);
+
+/// An input as lines, at least one, without the bytes 0.
+std::vector<std::string> Lines(const std::uint8_t* data, std::size_t size);
 
 } // namespace dcffuzz
 

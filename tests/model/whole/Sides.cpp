@@ -355,4 +355,27 @@ std::string StateDifference(const Expected& expected, const Actual& actual) {
     return differences.Text();
 }
 
+void AdoptTimes(Expected& expected, const Actual& actual, AdoptTime adopt) {
+    if (!expected.list.tree || actual.list.m_pDCF == nullptr) {
+        return;
+    }
+    RefTree& tree = *expected.list.tree;
+    const CSDCFList& real = *actual.list.m_pDCF;
+    for (std::size_t d = 0; d < std::min(tree.dirs.size(), real.m_dirGroup.size()); ++d) {
+        auto& items = tree.dirs[d].items;
+        for (std::size_t f = 0; f < std::min(items.size(), real.m_dirGroup[d]->m_itemGroup.size()); ++f) {
+            items[f].time = adopt(items[f].time, real.m_dirGroup[d]->m_itemGroup[f].m_nFileTime);
+        }
+    }
+    tree.curItem.time = adopt(tree.curItem.time, real.m_CurItem.m_nFileTime);
+}
+
+void AdoptTimesBehindNames([[maybe_unused]] Expected& expected, [[maybe_unused]] const Actual& actual) {
+#ifdef DCF_ENTRY_TIME_DIRENT
+    if (expected.list.effects.trees > 0) {
+        AdoptTimes(expected, actual, [](std::uint32_t /*expected*/, std::uint32_t found) { return found; });
+    }
+#endif
+}
+
 } // namespace dcftest

@@ -4,6 +4,7 @@
 #define TESTS_MODEL_WHOLE_SIDES_H
 
 #include <array>
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -119,6 +120,16 @@ std::vector<std::string> TakeCollected();
 /// What differs between the two sides; empty when they are the same. The effects of the last operation are not looked
 /// at.
 std::string StateDifference(const Expected& expected, const Actual& actual);
+
+/// What the reference shall expect of a file's time, from what it expects and what the list has found.
+using AdoptTime = std::uint32_t (*)(std::uint32_t expected, std::uint32_t found);
+
+/// Takes over times of the list's files and of its current one where the file system alone knows them.
+void AdoptTimes(Expected& expected, const Actual& actual, AdoptTime adopt);
+
+/// The same behind an operation that has listed, in a build that reads the times behind the names of the entries: they
+/// are what the file system left there. Nothing in any other.
+void AdoptTimesBehindNames(Expected& expected, const Actual& actual);
 
 } // namespace dcftest
 

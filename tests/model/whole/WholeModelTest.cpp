@@ -226,7 +226,7 @@ private:
             printed = output.Text();
         }
         const Effects& effects = m_next.list.effects;
-        AdoptTimes();
+        AdoptTimesBehindNames(m_next, *m_actual);
         std::string difference = Compare("result", {m_result}, {result});
         difference += Compare("log", effects.log, platform.Texts());
         difference += Compare("calls", m_next.list.card.calls, calls);
@@ -241,24 +241,6 @@ private:
         difference += StateDifference(m_next, *m_actual);
         std::swap(m_expected, m_next);
         return difference;
-    }
-
-    /// In a build that reads the times behind the names of the entries, they are what the file system left there.
-    void AdoptTimes() {
-#ifdef DCF_ENTRY_TIME_DIRENT
-        if (m_next.list.effects.trees == 0 || m_actual->list.m_pDCF == nullptr) {
-            return;
-        }
-        RefTree& tree = *m_next.list.tree;
-        const CSDCFList& real = *m_actual->list.m_pDCF;
-        for (std::size_t d = 0; d < std::min(tree.dirs.size(), real.m_dirGroup.size()); ++d) {
-            auto& items = tree.dirs[d].items;
-            for (std::size_t f = 0; f < std::min(items.size(), real.m_dirGroup[d]->m_itemGroup.size()); ++f) {
-                items[f].time = real.m_dirGroup[d]->m_itemGroup[f].m_nFileTime;
-            }
-        }
-        tree.curItem.time = real.m_CurItem.m_nFileTime;
-#endif
     }
 
     std::string CompareDeath(const Operation& operation) {
